@@ -1,0 +1,10 @@
+#include <vexainputsourcewidget/version.h>
+
+namespace vexa::inputsource {
+
+const char* libraryVersion()
+{
+    return VEXAINPUTSOURCEWIDGET_VERSION;
+}
+
+} // namespace vexa::inputsource
