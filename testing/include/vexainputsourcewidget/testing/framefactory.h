@@ -16,22 +16,21 @@ class VEXAINPUTSOURCEWIDGET_TESTING_EXPORT FrameFactory
 {
 public:
     /// A frame filled with one colour.
-    static std::unique_ptr<zq::mediacore::RgbaFrame> solid(int width, int height, uint8_t red,
-                                                           uint8_t green, uint8_t blue,
-                                                           double frameRate = 25.0);
+    static std::unique_ptr<zq::mediacore::RgbaFrame>
+    solid(int width, int height, uint8_t red, uint8_t green, uint8_t blue, double frameRate = 25.0);
 
     /// A frame of vertical colour bars with a bright band whose position follows
     /// `sequence`, so that consecutive sequence numbers show motion. `hue` (0 to 359) tints
     /// the bars, so that several sources look different.
-    static std::unique_ptr<zq::mediacore::RgbaFrame> pattern(int width, int height,
-                                                             uint64_t sequence, int hue = 0,
-                                                             double frameRate = 25.0);
+    static std::unique_ptr<zq::mediacore::RgbaFrame>
+    pattern(int width, int height, uint64_t sequence, int hue = 0, double frameRate = 25.0);
 
     /// Draws the pattern of the given sequence number into an existing frame, reusing its
     /// buffer: no allocation.
     static void drawPattern(zq::mediacore::RgbaFrame& frame, uint64_t sequence, int hue = 0);
 
-    /// A thumbnail of the pattern, packed without padding.
+    /// A thumbnail of the pattern (sequence 0), packed without padding; empty when a size is
+    /// not positive.
     static zq::mediacore::Thumbnail thumbnail(int width, int height, int hue = 0);
 };
 

@@ -2,10 +2,10 @@
 
 // The signal and slot interface the host's manager uses for its notifications,
 // implemented over Boost.Signals2. Connecting, disconnecting and emitting may happen on
-// different threads at the same time: every signal guards its slot list with its own mutex,
-// and a slot disconnected while a signal is being emitted on another thread is either
-// called for that emission or not at all, never after disconnect() has returned on the
-// thread that is not emitting.
+// different threads at the same time: every signal guards its slot list with its own mutex.
+// An emission that begins after disconnect() has returned never calls the slot. An emission
+// already running on another thread may still call it, even after disconnect() has returned,
+// because no lock is held while a slot runs.
 
 #include <boost/signals2/connection.hpp>
 #include <boost/signals2/signal.hpp>
@@ -27,8 +27,7 @@ public:
     /// Wraps a Boost connection; used by signal::connect.
     explicit connection(boost::signals2::connection impl)
         : m_impl(std::move(impl))
-    {
-    }
+    {}
 
     /// Breaks the connection; the slot is not called by later emissions. Idempotent.
     void disconnect() { m_impl.disconnect(); }
@@ -51,13 +50,11 @@ public:
     /// Implicit, so that `scoped_connection c = signal.connect(...);` reads naturally.
     scoped_connection(connection c) // NOLINT(google-explicit-constructor)
         : m_impl(std::move(c))
-    {
-    }
+    {}
 
     scoped_connection(scoped_connection&& other) noexcept
         : m_impl(std::exchange(other.m_impl, connection{}))
-    {
-    }
+    {}
 
     scoped_connection& operator=(scoped_connection&& other) noexcept
     {
@@ -106,8 +103,9 @@ public:
         return connection(m_impl.connect(std::forward<Callable>(callable)));
     }
 
-    /// Connects the member function `method` of `object` (a raw or smart pointer). The caller
-    /// keeps the object alive until it has disconnected the returned handle.
+    /// Connects the member function `method` of `object` (a raw or smart pointer). A raw
+    /// pointer's object must outlive every emission that may still call it (see above); a
+    /// std::shared_ptr is held by the connection until it is disconnected.
     template <typename Method, typename Object,
               typename = std::enable_if_t<std::is_member_function_pointer_v<Method>>>
     connection connect(Method method, Object object)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDebug>
 #include <QMessageLogger>
 #include <QtGlobal>
 
@@ -7,5 +8,5 @@
 /// line and the full signature of the calling function, so that a host's message handler can
 /// tell exactly where a precondition failed. `text` is a C string or a QString; the call
 /// returns nothing and never throws. Any thread.
-#define VEXA_WARNING(text)                                                                     \
+#define VEXA_WARNING(text)                                                                         \
     QMessageLogger(__FILE__, __LINE__, Q_FUNC_INFO).warning().noquote() << (text)

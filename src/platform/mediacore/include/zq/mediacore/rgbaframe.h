@@ -15,7 +15,9 @@ class ZQ_MEDIACORE_EXPORT RgbaFrame : public IFrame
 {
 public:
     /// A black, transparent frame. `stride` is the bytes per line; 0 means 4 x width, and a
-    /// smaller positive value is raised to 4 x width. Sizes below 0 count as 0.
+    /// smaller positive value is raised to 4 x width. Sizes below 0 count as 0. A frame of 0
+    /// bytes owns no memory: its buffer's data() is null. Throws std::length_error when
+    /// 4 x width does not fit in an int or height x stride bytes do not fit in std::size_t.
     RgbaFrame(int width, int height, double frameRate = 0.0, int stride = 0);
     ~RgbaFrame() override;
 

@@ -11,19 +11,19 @@ namespace zq::mediacore {
 struct MetaValues
 {
     quandel::resource::EnResourceType resourceType =
-        quandel::resource::EnResourceType::Unassigned; ///< the kind of source
-    std::string name;                                   ///< display name (UTF-8)
-    std::string address;                                ///< URL, IP address or device path
-    std::string resolutionText;                         ///< for example "1920*1080"
-    double frameRate = 0.0;                             ///< frames per second
-    Thumbnail thumbnail;                                ///< a still picture, or empty
-    bool lost = false;                                  ///< the source is lost or damaged
+        quandel::resource::EnResourceType::Unassigned;         ///< the kind of source
+    std::string name;                                          ///< display name (UTF-8)
+    std::string address;                                       ///< URL, IP address or device path
+    std::string resolutionText;                                ///< for example "1920*1080"
+    double frameRate = 0.0;                                    ///< frames per second
+    Thumbnail thumbnail;                                       ///< a still picture, or empty
+    bool lost = false;                                         ///< the source is lost or damaged
     std::vector<quandel::CaptResolutionsInfo> captResolutions; ///< formats a device offers
-    quandel::CaptResolutionsInfo currentCaptResolution; ///< format a device captures in
-    int captResolutionMode = 0;                         ///< 1: only the current format offered
-    int webMode = 0;                                    ///< 0 native, 1 screen capture
-    std::vector<WebTab> webTabs;                        ///< tabs of a web page
-    int webCurrentTabIndex = 1;                         ///< index of the tab shown
+    quandel::CaptResolutionsInfo currentCaptResolution;        ///< format a device captures in
+    int captResolutionMode = 0;  ///< 1: only the current format offered
+    int webMode = 0;             ///< 0 native, 1 screen capture
+    std::vector<WebTab> webTabs; ///< tabs of a web page
+    int webCurrentTabIndex = 1;  ///< index of the tab shown
 };
 
 /// A media description that holds its values, for tests and simulated hosts. The values can

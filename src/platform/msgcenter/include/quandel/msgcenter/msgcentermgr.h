@@ -15,9 +15,9 @@ namespace quandel::msgcenter {
 /// A message as the centre keeps it.
 struct PostedMessage
 {
-    quint64 id = 0;       ///< unique within one centre, counting up from 1
-    QDateTime postedAt;   ///< when postMessage() received it
-    STMessage message;    ///< the message as posted
+    quint64 id = 0;     ///< unique within one centre, counting up from 1
+    QDateTime postedAt; ///< when postMessage() received it
+    STMessage message;  ///< the message as posted
 };
 
 /// Reference message centre: keeps the latest messages in posting order, tells the host's

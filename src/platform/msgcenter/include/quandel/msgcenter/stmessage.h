@@ -25,9 +25,9 @@ struct STMessage
         Error = 3    ///< something failed
     };
 
-    QString text;          ///< what the operator reads
-    int level = Info;      ///< one of Level
-    int displayMs = -1;    ///< how long a pop-up shows it; -1 keeps it until dismissed
+    QString text;           ///< what the operator reads
+    int level = Info;       ///< one of Level
+    int displayMs = -1;     ///< how long a pop-up shows it; -1 keeps it until dismissed
     STMessageAction action; ///< an optional button
 };
 

@@ -27,7 +27,8 @@ public:
     /// Starts the worker thread. The gate starts open.
     ZQRuntime();
 
-    /// Stops with StopMode::RunQueued unless stop() was called before.
+    /// Stops with StopMode::RunQueued unless stop() was called before. Must not run on the
+    /// runtime thread (from a task): that is fatal, since the worker cannot wait for itself.
     ~ZQRuntime() override;
 
     void post(std::function<void()> task, const char* file, int line,
@@ -46,7 +47,9 @@ public:
 
     /// Ends the worker after running or discarding the queued tasks, and waits for it, so that
     /// every task has either run or been destroyed when this returns. Later posts destroy
-    /// their task unrun. Idempotent. Must not be called from a task on the runtime thread.
+    /// their task unrun. Idempotent: a later call keeps the first call's mode. Called from a
+    /// task on the runtime thread, it does not wait: the worker ends once that task returns
+    /// (with RunQueued, after running the rest of the queue).
     void stop(StopMode mode = StopMode::RunQueued);
 
     /// True once stop() has begun.

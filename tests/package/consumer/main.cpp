@@ -1,0 +1,87 @@
+// A host in miniature: links only the library's package target and touches every platform
+// module through it, so a module whose headers, library or link interface went missing from
+// the installed package fails to build or to run here.
+#include <vexainputsourcewidget/version.h>
+
+#include <captureprobe/wgcsupport.h>
+#include <quandel/msgcenter/msgcentermgr.h>
+#include <quandel/resource/valueresource.h>
+#include <quandel/runtime/zqruntime.h>
+#include <quandel/trans/translator.h>
+#include <sigslot/signal.h>
+#include <zq/mediacore/rgbaframe.h>
+#include <zq/mediacore/valuemeta.h>
+#include <zqctuils/floatcomparison.h>
+#include <zqctuils/indexgenerator.h>
+
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <future>
+#include <memory>
+#include <string>
+
+namespace {
+
+int failures = 0;
+
+void check(bool condition, const char* what)
+{
+    if (!condition) {
+        std::fprintf(stderr, "consumer: check failed: %s\n", what);
+        ++failures;
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+
+    check(std::string(vexa::inputsource::libraryVersion()).find('.') != std::string::npos,
+          "library version");
+
+    quandel::ZQRuntime runtime;
+    std::promise<bool> onRuntime;
+    runtime.post([&] { onRuntime.set_value(runtime.isInRuntimeThread()); }, __FILE__, __LINE__,
+                 "main");
+    check(onRuntime.get_future().get(), "runtime runs posted tasks on its thread");
+
+    sigslot::signal<const std::string&, bool&> renamed;
+    renamed.connect([](const std::string& name, bool& repeated) { repeated = name == "Cam"; });
+    bool repeated = false;
+    renamed("Cam", repeated);
+    check(repeated, "sigslot out-flag");
+
+    quandel::trans::Translator translator;
+    check(quandel::trans::translate(translator, "InputSource", "Widget", "Streaming") ==
+              QStringLiteral("Streaming"),
+          "translator falls back to the key");
+
+    auto meta = std::make_shared<zq::mediacore::ValueMeta>();
+    auto resource = std::make_shared<quandel::resource::ValueResource>(
+        42, quandel::resource::EnResourceType::NetworkStream, "Stream1");
+    resource->setMeta(meta);
+    check(resource->getMeta() == meta, "resource keeps its meta");
+
+    zq::mediacore::RgbaFrame frame(16, 8, 25.0);
+    check(frame.getBuffer() && frame.getBuffer()->stride() == 64, "rgba frame stride");
+
+    check(zqctuils::FloatComparison::equal(59.94f, 59.94), "float comparison");
+    check(zqctuils::IndexGenerator::generateIndex({QStringLiteral("WebPage1")},
+                                                  QStringLiteral("WebPage")) == 2,
+          "index generator");
+
+    quandel::msgcenter::MsgCenterMgr messages;
+    messages.postMessage({QStringLiteral("hello"), quandel::msgcenter::STMessage::Notice, -1, {}});
+    check(messages.messages().size() == 1, "message centre keeps messages");
+
+    OverrideSupportedWGC(true);
+    check(IsSupportedWGC(), "capture probe override");
+
+    if (failures == 0) {
+        std::printf("consumer: all modules answered\n");
+    }
+    return failures == 0 ? 0 : 1;
+}
