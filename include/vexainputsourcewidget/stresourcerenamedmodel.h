@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace vexa {
+
+/// A rename request or notification, and the description of one NDI sender in the manager's
+/// sender list. A plain value.
+struct STResourceRenamedModel
+{
+    /// The source renamed; 0 when the record is about an NDI sender rather than a source.
+    uint64_t id = 0;
+    /// The new name (UTF-8); for an NDI sender, the name of its receiver.
+    std::string name;
+    /// For an NDI sender, its IP address.
+    std::string ipAddress;
+    /// For an NDI sender, the name it announces on the network.
+    std::string senderName;
+    /// For an NDI sender, the id of the source already added for it; 0 when not added.
+    uint64_t addedSourceId = 0;
+};
+
+} // namespace vexa

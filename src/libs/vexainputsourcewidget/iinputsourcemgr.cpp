@@ -1,0 +1,9 @@
+#include <vexainputsourcewidget/iinputsourcemgr.h>
+
+namespace vexa::inputsource {
+
+IInputSourceMgr::IInputSourceMgr() = default;
+
+IInputSourceMgr::~IInputSourceMgr() = default;
+
+} // namespace vexa::inputsource
