@@ -1,7 +1,12 @@
 // A host in miniature: links only the library's package target and touches every platform
 // module through it, so a module whose headers, library or link interface went missing from
 // the installed package fails to build or to run here.
+#include <vexainputsourcewidget/iinputsourcemgr.h>
+#include <vexainputsourcewidget/inputsourcemetatypes.h>
+#include <vexainputsourcewidget/inputsourcetranslatemanager.h>
 #include <vexainputsourcewidget/version.h>
+
+#include <XJ/Utils/flowlayout.h>
 
 #include <captureprobe/wgcsupport.h>
 #include <quandel/msgcenter/msgcentermgr.h>
@@ -9,12 +14,15 @@
 #include <quandel/runtime/zqruntime.h>
 #include <quandel/trans/translator.h>
 #include <sigslot/signal.h>
+#include <vexa/layout/floatingitemwidget.h>
+#include <vexa/widgets/pushbutton.h>
 #include <zq/mediacore/rgbaframe.h>
 #include <zq/mediacore/valuemeta.h>
 #include <zqctuils/floatcomparison.h>
 #include <zqctuils/indexgenerator.h>
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QMetaType>
 
 #include <cstdio>
 #include <future>
@@ -37,7 +45,7 @@ void check(bool condition, const char* what)
 
 int main(int argc, char** argv)
 {
-    QCoreApplication app(argc, argv);
+    QApplication app(argc, argv);
 
     check(std::string(vexa::inputsource::libraryVersion()).find('.') != std::string::npos,
           "library version");
@@ -54,10 +62,24 @@ int main(int argc, char** argv)
     renamed("Cam", repeated);
     check(repeated, "sigslot out-flag");
 
-    quandel::trans::Translator translator;
+    auto& translator = InputSourceTranslateManager::instance().translator();
     check(quandel::trans::translate(translator, "InputSource", "Widget", "Streaming") ==
               QStringLiteral("Streaming"),
           "translator falls back to the key");
+    check(translator.load(QStringLiteral(VEXA_TRANSLATIONS_DIR "/vexainputsourcewidget_en_US.qm")),
+          "installed language file loads");
+    translator.switchLanguage(QStringLiteral("en_US"));
+    check(quandel::trans::translate(translator, "InputSource", "Widget", "DeleteText") !=
+              QStringLiteral("DeleteText"),
+          "installed language file has texts");
+
+    vexa::inputsource::registerMetaTypes();
+    check(QMetaType::type("STInputSource") != QMetaType::UnknownType, "meta types registered");
+
+    vexa::layout::FloatingItemWidget panel(QStringLiteral("InputSource"), nullptr);
+    auto* flow = new XJ::Utils::FlowLayout(&panel, 0, 4, 4);
+    flow->addWidget(new vexa::widgets::PushButton(&panel));
+    check(flow->count() == 1 && panel.id() == QStringLiteral("InputSource"), "widget modules");
 
     auto meta = std::make_shared<zq::mediacore::ValueMeta>();
     auto resource = std::make_shared<quandel::resource::ValueResource>(
