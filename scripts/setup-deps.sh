@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build, the tests and the demo need, and only
-# those that are missing. Safe to run again: with everything present it does nothing.
+# those that are missing. The CJK font lets the Chinese texts of the panel render on a machine
+# that has no desktop installed. Safe to run again: with everything present it does nothing.
 set -euo pipefail
 
 packages=(
@@ -16,6 +17,7 @@ packages=(
     libbenchmark-dev
     xvfb
     xauth
+    fonts-wqy-microhei
 )
 
 missing=()

@@ -1,5 +1,7 @@
 #include "demowindow.h"
 
+#include <vexa/widgets/style.h>
+
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QTimer>
@@ -23,6 +25,7 @@ int main(int argc, char** argv)
     parser.addOption(screenshot);
     parser.addOption(quitAfter);
     parser.process(app);
+    app.setStyleSheet(vexa::widgets::defaultStyleSheet());
 
     demohost::DemoWindow window;
     window.resize(1000, 720);
