@@ -2,6 +2,8 @@
 
 #include <vexainputsourcewidget/inputsourcemetatypes.h>
 #include <vexainputsourcewidget/testing/fakeinputsourcemgr.h>
+#include <vexainputsourcewidget/testing/runtimeblocker.h>
+#include <vexainputsourcewidget/testing/waituntil.h>
 
 #include <quandel/resource/valueresource.h>
 #include <quandel/runtime/zqruntime.h>
@@ -20,56 +22,12 @@ using vexa::inputsource::IInputSourceMgr;
 using vexa::inputsource::MetaQueryResult;
 using vexa::inputsource::runOnRuntime;
 using vexa::testing::FakeInputSourceMgr;
+using vexa::testing::RuntimeBlocker;
+using vexa::testing::waitUntil;
 
 namespace {
 
 constexpr auto patience = std::chrono::seconds(10);
-
-// Holds the runtime's worker inside one task until released, so that what is posted next is
-// known to be queued.
-class RuntimeBlocker
-{
-public:
-    explicit RuntimeBlocker(quandel::ZQRuntime& runtime)
-    {
-        auto release = m_release.get_future().share();
-        auto started = std::make_shared<std::promise<void>>();
-        auto running = started->get_future();
-        runtime.post(
-            [release, started] {
-                started->set_value();
-                release.wait();
-            },
-            __FILE__, __LINE__, "RuntimeBlocker");
-        running.wait();
-    }
-
-    ~RuntimeBlocker() { release(); }
-
-    void release()
-    {
-        if (!m_released) {
-            m_released = true;
-            m_release.set_value();
-        }
-    }
-
-private:
-    std::promise<void> m_release;
-    bool m_released = false;
-};
-
-bool waitUntil(const std::function<bool()>& condition)
-{
-    const auto deadline = std::chrono::steady_clock::now() + patience;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::yield();
-    }
-    return true;
-}
 
 // A manager that tells when it is destroyed.
 class ObservedMgr : public FakeInputSourceMgr
@@ -209,13 +167,14 @@ void TestRunOnRuntime::managerDroppedWhileQueuedIsAliveWhenTheRequestRuns()
     const std::weak_ptr<IInputSourceMgr> weak = owner;
 
     RuntimeBlocker blocker(m_runtime);
+    QVERIFY2(blocker.isHolding(), qPrintable(blocker.errorString()));
     std::thread caller([this, weak] {
         const auto mgr = weak.lock();
         runOnRuntime(
             &m_runtime, __FILE__, __LINE__, "slotItemDelete",
             std::bind(&IInputSourceMgr::deleteInputSources, mgr, std::vector<uint64_t>{11, 12}));
     });
-    QVERIFY(waitUntil([this] { return m_runtime.pendingCount() == 1; }));
+    QVERIFY(waitUntil([this] { return m_runtime.pendingCount() == 1; }, patience));
 
     owner.reset();
     QVERIFY(!weak.expired());
@@ -225,7 +184,9 @@ void TestRunOnRuntime::managerDroppedWhileQueuedIsAliveWhenTheRequestRuns()
     caller.join();
 
     QVERIFY(aliveDuringRequest);
-    QVERIFY(destroyed);
+    // The last reference goes with the finished task, which the worker destroys right after
+    // handing over the result, so the caller may return a moment before the manager goes.
+    QVERIFY(vexa::testing::waitUntil([&destroyed] { return destroyed.load(); }, patience));
     QVERIFY(weak.expired());
 }
 
@@ -234,10 +195,11 @@ void TestRunOnRuntime::discardedTaskGivesBrokenPromise()
     auto runtime = std::make_unique<quandel::ZQRuntime>();
     auto mgr = std::make_shared<FakeInputSourceMgr>(runtime.get());
     RuntimeBlocker blocker(*runtime);
+    QVERIFY2(blocker.isHolding(), qPrintable(blocker.errorString()));
 
     std::atomic<bool> sawQueuedRequest{false};
     std::thread stopper([&runtime, &sawQueuedRequest] {
-        sawQueuedRequest = waitUntil([&runtime] { return runtime->pendingCount() == 1; });
+        sawQueuedRequest = waitUntil([&runtime] { return runtime->pendingCount() == 1; }, patience);
         runtime->stop(quandel::ZQRuntime::StopMode::DiscardQueued);
     });
 

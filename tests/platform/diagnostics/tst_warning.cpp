@@ -1,4 +1,5 @@
 #include <vexa/diagnostics/warning.h>
+#include <vexainputsourcewidget/testing/warningrecorder.h>
 
 #include <QString>
 #include <QtTest>
@@ -6,46 +7,8 @@
 #include <thread>
 #include <vector>
 
-namespace {
-
-struct LoggedMessage
-{
-    QtMsgType type;
-    QString text;
-    QByteArray file;
-    int line;
-    QByteArray function;
-    QByteArray category;
-};
-
-// Records what is logged while it exists, instead of letting Qt Test print it.
-class MessageCapture
-{
-public:
-    MessageCapture()
-    {
-        s_messages.clear();
-        m_previous = qInstallMessageHandler(&MessageCapture::handle);
-    }
-    ~MessageCapture() { qInstallMessageHandler(m_previous); }
-
-    MessageCapture(const MessageCapture&) = delete;
-    MessageCapture& operator=(const MessageCapture&) = delete;
-
-    const std::vector<LoggedMessage>& messages() const { return s_messages; }
-
-private:
-    static void handle(QtMsgType type, const QMessageLogContext& context, const QString& text)
-    {
-        s_messages.push_back({type, text, QByteArray(context.file), context.line,
-                              QByteArray(context.function), QByteArray(context.category)});
-    }
-
-    static inline std::vector<LoggedMessage> s_messages;
-    QtMessageHandler m_previous = nullptr;
-};
-
-} // namespace
+using vexa::testing::LoggedMessage;
+using vexa::testing::WarningRecorder;
 
 class TestWarning : public QObject
 {
@@ -71,12 +34,13 @@ int TestWarning::reportMissingSource(int sourceIndex, const QString& name)
 
 void TestWarning::logsCStringWithCallSite()
 {
-    MessageCapture capture;
+    WarningRecorder recorder;
     const int line = __LINE__ + 1;
     VEXA_WARNING("nullptr == inputSourceMgr");
 
-    QCOMPARE(capture.messages().size(), std::size_t(1));
-    const LoggedMessage& message = capture.messages().front();
+    const std::vector<LoggedMessage> messages = recorder.messages();
+    QCOMPARE(messages.size(), std::size_t(1));
+    const LoggedMessage& message = messages.front();
     QCOMPARE(message.type, QtWarningMsg);
     QCOMPARE(message.text, QStringLiteral("nullptr == inputSourceMgr"));
     QVERIFY2(message.file.endsWith("tst_warning.cpp"), message.file.constData());
@@ -87,11 +51,12 @@ void TestWarning::logsCStringWithCallSite()
 
 void TestWarning::logsQStringWithCallSite()
 {
-    MessageCapture capture;
+    WarningRecorder recorder;
     const int line = reportMissingSource(3, QStringLiteral("Camera \"A\""));
 
-    QCOMPARE(capture.messages().size(), std::size_t(1));
-    const LoggedMessage& message = capture.messages().front();
+    const std::vector<LoggedMessage> messages = recorder.messages();
+    QCOMPARE(messages.size(), std::size_t(1));
+    const LoggedMessage& message = messages.front();
     QCOMPARE(message.type, QtWarningMsg);
     QCOMPARE(message.text, QStringLiteral("source 3 (Camera \"A\") has no frame"));
     QVERIFY2(message.file.endsWith("tst_warning.cpp"), message.file.constData());
@@ -102,32 +67,34 @@ void TestWarning::logsQStringWithCallSite()
 
 void TestWarning::keepsTextExactly()
 {
-    MessageCapture capture;
+    WarningRecorder recorder;
     const QString text = QStringLiteral("  \"quoted\"\ttext with trailing space ");
     VEXA_WARNING(text);
     VEXA_WARNING("");
 
-    QCOMPARE(capture.messages().size(), std::size_t(2));
-    QCOMPARE(capture.messages()[0].text, text);
-    QCOMPARE(capture.messages()[1].text, QString());
+    const std::vector<LoggedMessage> messages = recorder.messages();
+    QCOMPARE(messages.size(), std::size_t(2));
+    QCOMPARE(messages[0].text, text);
+    QCOMPARE(messages[1].text, QString());
 }
 
 void TestWarning::isOneStatement()
 {
-    MessageCapture capture;
-    const bool found = capture.messages().empty();
+    WarningRecorder recorder;
+    const bool found = recorder.messages().empty();
     if (found)
         VEXA_WARNING("taken");
     else
         VEXA_WARNING("not taken");
 
-    QCOMPARE(capture.messages().size(), std::size_t(1));
-    QCOMPARE(capture.messages().front().text, QStringLiteral("taken"));
+    const std::vector<LoggedMessage> messages = recorder.messages();
+    QCOMPARE(messages.size(), std::size_t(1));
+    QCOMPARE(messages.front().text, QStringLiteral("taken"));
 }
 
 void TestWarning::logsFromAnyThread()
 {
-    MessageCapture capture;
+    WarningRecorder recorder;
     int line = 0;
     std::thread worker([&line] {
         line = __LINE__ + 1;
@@ -135,8 +102,9 @@ void TestWarning::logsFromAnyThread()
     });
     worker.join();
 
-    QCOMPARE(capture.messages().size(), std::size_t(1));
-    const LoggedMessage& message = capture.messages().front();
+    const std::vector<LoggedMessage> messages = recorder.messages();
+    QCOMPARE(messages.size(), std::size_t(1));
+    const LoggedMessage& message = messages.front();
     QCOMPARE(message.text, QStringLiteral("from a worker thread"));
     QCOMPARE(message.line, line);
     QVERIFY(message.file.endsWith("tst_warning.cpp"));

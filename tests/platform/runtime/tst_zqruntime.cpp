@@ -1,4 +1,7 @@
 #include <quandel/runtime/zqruntime.h>
+#include <vexainputsourcewidget/testing/runtimeblocker.h>
+#include <vexainputsourcewidget/testing/waituntil.h>
+#include <vexainputsourcewidget/testing/warningrecorder.h>
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -12,7 +15,6 @@
 #include <functional>
 #include <future>
 #include <memory>
-#include <mutex>
 #include <numeric>
 #include <stdexcept>
 #include <thread>
@@ -22,6 +24,9 @@
 #define TEST_CALL_SITE __FILE__, __LINE__, Q_FUNC_INFO
 
 using quandel::ZQRuntime;
+using vexa::testing::LoggedMessage;
+using vexa::testing::RuntimeBlocker;
+using vexa::testing::WarningRecorder;
 
 Q_DECLARE_METATYPE(ZQRuntime::StopMode)
 
@@ -48,93 +53,8 @@ bool drain(quandel::IZQRuntime& runtime)
     return isReady(ran);
 }
 
-struct LoggedMessage
-{
-    QtMsgType type;
-    QString text;
-    QByteArray file;
-    int line;
-    QByteArray function;
-};
-
-// Records the messages logged on any thread while it exists, instead of printing them.
-class MessageCapture
-{
-public:
-    MessageCapture()
-    {
-        {
-            std::lock_guard<std::mutex> lock(s_mutex);
-            s_messages.clear();
-        }
-        m_previous = qInstallMessageHandler(&MessageCapture::handle);
-    }
-    ~MessageCapture() { qInstallMessageHandler(m_previous); }
-
-    MessageCapture(const MessageCapture&) = delete;
-    MessageCapture& operator=(const MessageCapture&) = delete;
-
-    std::vector<LoggedMessage> messages() const
-    {
-        std::lock_guard<std::mutex> lock(s_mutex);
-        return s_messages;
-    }
-
-private:
-    static void handle(QtMsgType type, const QMessageLogContext& context, const QString& text)
-    {
-        std::lock_guard<std::mutex> lock(s_mutex);
-        s_messages.push_back(
-            {type, text, QByteArray(context.file), context.line, QByteArray(context.function)});
-    }
-
-    static inline std::mutex s_mutex;
-    static inline std::vector<LoggedMessage> s_messages;
-    QtMessageHandler m_previous = nullptr;
-};
-
-// A first task that keeps the worker busy until released, so that what is posted after it is
-// surely still queued. Released at the latest when destroyed, so that a failed check cannot
-// leave the worker waiting forever; declare it after the runtime for that reason.
-class Blocker
-{
-public:
-    explicit Blocker(quandel::IZQRuntime& runtime)
-        : m_releaseGiven(m_release.get_future().share())
-    {
-        auto started = std::make_shared<std::promise<void>>();
-        m_started = started->get_future();
-        runtime.post(
-            [started, release = m_releaseGiven] {
-                started->set_value();
-                release.wait();
-            },
-            TEST_CALL_SITE);
-    }
-    ~Blocker() { release(); }
-
-    Blocker(const Blocker&) = delete;
-    Blocker& operator=(const Blocker&) = delete;
-
-    bool waitUntilRunning() const { return isReady(m_started); }
-
-    void release()
-    {
-        if (!m_released) {
-            m_released = true;
-            m_release.set_value();
-        }
-    }
-
-private:
-    std::promise<void> m_release;
-    std::shared_future<void> m_releaseGiven;
-    std::future<void> m_started;
-    bool m_released = false;
-};
-
 // Joins when destroyed, so that a failed check does not end the process through a joinable
-// std::thread. Declare it before any Blocker its thread waits for.
+// std::thread. Declare it before any RuntimeBlocker its thread waits for.
 class JoiningThread
 {
 public:
@@ -174,14 +94,7 @@ private:
 
 bool waitUntilStopped(const ZQRuntime& runtime)
 {
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (!runtime.isStopped()) {
-        if (std::chrono::steady_clock::now() >= deadline) {
-            return false;
-        }
-        std::this_thread::yield();
-    }
-    return true;
+    return vexa::testing::waitUntil([&runtime] { return runtime.isStopped(); }, timeout);
 }
 
 int destroyRuntimeFromItsOwnTask()
@@ -343,11 +256,11 @@ void TestZQRuntime::stopRunQueuedRunsEveryQueuedTask()
     constexpr int count = 50;
     int runs = 0;
     bool lateTaskRan = false;
-    MessageCapture capture;
+    WarningRecorder recorder;
     ZQRuntime runtime;
     JoiningThread stopper;
-    Blocker blocker(runtime);
-    QVERIFY(blocker.waitUntilRunning());
+    RuntimeBlocker blocker(runtime, timeout);
+    QVERIFY2(blocker.isHolding(), qPrintable(blocker.errorString()));
     for (int i = 0; i < count; ++i) {
         runtime.post([&runs] { ++runs; }, TEST_CALL_SITE);
     }
@@ -371,8 +284,8 @@ void TestZQRuntime::stopDiscardQueuedDestroysQueuedTasksUnrun()
     std::atomic<bool> bodyRan{false};
     ZQRuntime runtime;
     JoiningThread stopper;
-    Blocker blocker(runtime);
-    QVERIFY(blocker.waitUntilRunning());
+    RuntimeBlocker blocker(runtime, timeout);
+    QVERIFY2(blocker.isHolding(), qPrintable(blocker.errorString()));
 
     auto token = std::make_shared<int>(1);
     const std::weak_ptr<int> tokenWatch = token;
@@ -404,7 +317,7 @@ void TestZQRuntime::stopDiscardQueuedDestroysQueuedTasksUnrun()
 void TestZQRuntime::postAfterStopDestroysTaskUnrun()
 {
     bool bodyRan = false;
-    MessageCapture capture;
+    WarningRecorder recorder;
     ZQRuntime runtime;
     runtime.stop();
 
@@ -416,7 +329,7 @@ void TestZQRuntime::postAfterStopDestroysTaskUnrun()
     QVERIFY(tokenWatch.expired());
     QVERIFY(!bodyRan);
     QCOMPARE(runtime.pendingCount(), std::size_t(0));
-    const std::vector<LoggedMessage> messages = capture.messages();
+    const std::vector<LoggedMessage> messages = recorder.messages();
     QCOMPARE(messages.size(), std::size_t(1));
     const LoggedMessage& message = messages.front();
     QCOMPARE(message.type, QtWarningMsg);
@@ -430,7 +343,7 @@ void TestZQRuntime::postAfterStopDestroysTaskUnrun()
 void TestZQRuntime::throwingTaskIsReportedAndWorkerGoesOn()
 {
     bool laterTaskRan = false;
-    MessageCapture capture;
+    WarningRecorder recorder;
     ZQRuntime runtime;
     runtime.post([] { throw std::runtime_error("decoder lost"); }, "source.cpp", 12,
                  "void Source::push(int)");
@@ -439,7 +352,7 @@ void TestZQRuntime::throwingTaskIsReportedAndWorkerGoesOn()
     QVERIFY(drain(runtime));
     QVERIFY(laterTaskRan);
 
-    const std::vector<LoggedMessage> messages = capture.messages();
+    const std::vector<LoggedMessage> messages = recorder.messages();
     QCOMPARE(messages.size(), std::size_t(2));
     for (const LoggedMessage& message : messages) {
         QCOMPARE(message.type, QtWarningMsg);
@@ -472,10 +385,10 @@ void TestZQRuntime::stopFromTaskDoesNotDeadlock()
     std::future<void> stopReturnedFuture = stopReturned.get_future();
     int laterRuns = 0;
     bool postedAfterStopRan = false;
-    MessageCapture capture;
+    WarningRecorder recorder;
     ZQRuntime runtime;
-    Blocker blocker(runtime);
-    QVERIFY(blocker.waitUntilRunning());
+    RuntimeBlocker blocker(runtime, timeout);
+    QVERIFY2(blocker.isHolding(), qPrintable(blocker.errorString()));
     runtime.post(
         [&] {
             runtime.stop(mode);
@@ -503,7 +416,7 @@ void TestZQRuntime::taskDestructorMayPost()
     std::promise<void> followUpRan;
     std::future<void> followUpRanFuture = followUpRan.get_future();
     bool refusedFollowUpRan = false;
-    MessageCapture capture;
+    WarningRecorder recorder;
     ZQRuntime runtime;
 
     auto poster = std::make_shared<OnDestroy>(
@@ -515,8 +428,8 @@ void TestZQRuntime::taskDestructorMayPost()
     // A discarded task is destroyed after the stop has begun, so what it posts is refused.
     {
         JoiningThread stopper;
-        Blocker blocker(runtime);
-        QVERIFY(blocker.waitUntilRunning());
+        RuntimeBlocker blocker(runtime, timeout);
+        QVERIFY2(blocker.isHolding(), qPrintable(blocker.errorString()));
         auto refusedPoster = std::make_shared<OnDestroy>([&] {
             runtime.post([&refusedFollowUpRan] { refusedFollowUpRan = true; }, "late.cpp", 5,
                          "void Late::post()");
@@ -529,7 +442,7 @@ void TestZQRuntime::taskDestructorMayPost()
         stopper.join();
     }
     QVERIFY(!refusedFollowUpRan);
-    const std::vector<LoggedMessage> messages = capture.messages();
+    const std::vector<LoggedMessage> messages = recorder.messages();
     QCOMPARE(messages.size(), std::size_t(1));
     QVERIFY(messages.front().text.contains(QLatin1String("late.cpp:5 void Late::post()")));
 }
@@ -538,8 +451,8 @@ void TestZQRuntime::pendingCountCountsQueuedTasks()
 {
     ZQRuntime runtime;
     QCOMPARE(runtime.pendingCount(), std::size_t(0));
-    Blocker blocker(runtime);
-    QVERIFY(blocker.waitUntilRunning());
+    RuntimeBlocker blocker(runtime, timeout);
+    QVERIFY2(blocker.isHolding(), qPrintable(blocker.errorString()));
     QCOMPARE(runtime.pendingCount(), std::size_t(0));
 
     for (int i = 0; i < 3; ++i) {
