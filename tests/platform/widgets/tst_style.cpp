@@ -4,6 +4,8 @@
 #include <vexa/widgets/style.h>
 #include <vexa/widgets/tipdialog.h>
 
+#include <vexainputsourcewidget/testing/warningrecorder.h>
+
 #include <QApplication>
 #include <QFile>
 #include <QLabel>
@@ -11,19 +13,6 @@
 #include <QTest>
 
 using vexa::widgets::RepolishScope;
-
-namespace {
-
-QStringList warnings;
-
-void collectWarnings(QtMsgType type, const QMessageLogContext&, const QString& message)
-{
-    if (type == QtWarningMsg || type == QtCriticalMsg) {
-        warnings.append(message);
-    }
-}
-
-} // namespace
 
 class TestStyle : public QObject
 {
@@ -110,22 +99,29 @@ void TestStyle::everyIconItNamesIsInTheResource()
 
 void TestStyle::qtParsesItWithoutComplaint()
 {
-    warnings.clear();
-    const QtMessageHandler previous = qInstallMessageHandler(collectWarnings);
-    qApp->setStyleSheet(vexa::widgets::defaultStyleSheet());
+    QStringList warnings;
     {
-        vexa::widgets::TipDialog tip(vexa::widgets::TipDialog::Warning);
-        vexa::widgets::EditBox edit;
-        vexa::widgets::ComboBox combo;
-        vexa::widgets::PushButton button;
-        button.setProperty("imageBtn", QStringLiteral("add"));
-        for (QWidget* widget : {static_cast<QWidget*>(&tip), static_cast<QWidget*>(&edit),
-                                static_cast<QWidget*>(&combo), static_cast<QWidget*>(&button)}) {
-            widget->ensurePolished();
+        const vexa::testing::WarningRecorder recorder;
+        qApp->setStyleSheet(vexa::widgets::defaultStyleSheet());
+        {
+            vexa::widgets::TipDialog tip(vexa::widgets::TipDialog::Warning);
+            vexa::widgets::EditBox edit;
+            vexa::widgets::ComboBox combo;
+            vexa::widgets::PushButton button;
+            button.setProperty("imageBtn", QStringLiteral("add"));
+            for (QWidget* widget :
+                 {static_cast<QWidget*>(&tip), static_cast<QWidget*>(&edit),
+                  static_cast<QWidget*>(&combo), static_cast<QWidget*>(&button)}) {
+                widget->ensurePolished();
+            }
+        }
+        qApp->setStyleSheet(QString());
+        for (const auto& message : recorder.messages()) {
+            if (message.type == QtWarningMsg || message.type == QtCriticalMsg) {
+                warnings.append(message.text);
+            }
         }
     }
-    qApp->setStyleSheet(QString());
-    qInstallMessageHandler(previous);
     QVERIFY2(warnings.isEmpty(), qPrintable(warnings.join(QLatin1Char('\n'))));
 }
 
