@@ -4,6 +4,7 @@
 // Allocations are counted by replacing the global operator new of this program; only those made
 // on the benchmark thread while a counted section runs are counted.
 
+#include "support/offscreenplatform.h"
 #include "support/runwithratios.h"
 
 #include "diplaywind.h"
@@ -233,9 +234,7 @@ BENCHMARK(BM_PaintSurface)->Args({1920, 1080})->Args({480, 270})->Unit(benchmark
 int main(int argc, char** argv)
 {
     // The widgets are never shown, so no display is needed.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    }
+    vexa::bench::preferOffscreenPlatform();
     QApplication application(argc, argv);
     // Both sides copy on the benchmark thread and wait for nothing, so CPU time compares them.
     return vexa::bench::runWithRatios(

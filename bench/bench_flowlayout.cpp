@@ -1,6 +1,7 @@
 // Relayout of a tile area: the flow layout must place N tiles in time linear in N, so the
 // time per tile at 10,000 tiles stays close to that at 100.
 
+#include "support/offscreenplatform.h"
 #include "support/runwithratios.h"
 
 #include <XJ/Utils/flowlayout.h>
@@ -130,9 +131,7 @@ BENCHMARK(BM_FlowLayoutHeightForWidth)->Apply(tileCounts);
 int main(int argc, char** argv)
 {
     // The widgets are never shown, so no display is needed.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    }
+    vexa::bench::preferOffscreenPlatform();
     QApplication application(argc, argv);
     return vexa::bench::runWithRatios(
         argc, argv,

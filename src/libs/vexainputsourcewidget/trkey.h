@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vexainputsourcewidget/vexainputsourcewidget_export.h>
+
 #include <QString>
 
 namespace vexa::inputsource {
@@ -8,6 +10,6 @@ namespace vexa::inputsource {
 /// "Widget"); the key itself when the language has none. Every visible text of the library goes
 /// through here, so that the language files can be checked against the keys the code uses.
 /// GUI thread.
-QString trKey(const char* key);
+VEXAINPUTSOURCEWIDGET_EXPORT QString trKey(const char* key);
 
 } // namespace vexa::inputsource

@@ -1,6 +1,8 @@
 #include "diplaywind.h"
 #include "inputsourceitem.h"
 #include "inputsourcetooltip.h"
+#include "languagefiles.h"
+#include "trkey.h"
 
 #include <vexainputsourcewidget/inputsourcemetatypes.h>
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>
@@ -39,6 +41,7 @@ using vexa::inputsource::DiplayWind;
 using vexa::inputsource::InputSourceItem;
 using vexa::inputsource::InputSourceToolTip;
 using vexa::inputsource::MetaQueryResult;
+using vexa::inputsource::trKey;
 using vexa::testing::FrameFactory;
 
 namespace {
@@ -48,18 +51,6 @@ constexpr int captureKind = 8;
 constexpr int webKind = 9;
 constexpr int streamKind = 13;
 constexpr uint64_t tileId = 4711;
-
-QString text(const char* key)
-{
-    return quandel::trans::translate(InputSourceTranslateManager::instance().translator(),
-                                     "InputSource", "Widget", key);
-}
-
-QString languageFile(const char* code)
-{
-    return QStringLiteral(VEXA_TRANSLATIONS_BUILD_DIR "/vexainputsourcewidget_%1.qm")
-        .arg(QLatin1String(code));
-}
 
 void switchLanguage(const char* code)
 {
@@ -121,7 +112,7 @@ DiplayWind* surface(const InputSourceItem& tile)
 QAction* action(const InputSourceItem& tile, const char* key)
 {
     for (QAction* candidate : tile.findChild<QMenu*>()->findChildren<QAction*>()) {
-        if (candidate->text() == text(key)) {
+        if (candidate->text() == trKey(key)) {
             return candidate;
         }
     }
@@ -509,7 +500,7 @@ void TestInputSourceItem::kindSpecificSetUp()
     }
     QStringList expected;
     for (const QString& key : menuActions) {
-        expected << text(key.toLatin1().constData());
+        expected << trKey(key.toLatin1().constData());
     }
     QCOMPARE(visible, expected);
 }
@@ -810,8 +801,8 @@ void TestInputSourceItem::toolTipRows()
 
     QStringList wanted;
     for (int index = 0; index + 1 < expected.size(); index += 2) {
-        wanted << text(expected[index].toLatin1().constData())
-               << (expected[index + 1] == QStringLiteral("@caption") ? text("LocalCaptureDevice")
+        wanted << trKey(expected[index].toLatin1().constData())
+               << (expected[index + 1] == QStringLiteral("@caption") ? trKey("LocalCaptureDevice")
                                                                      : expected[index + 1]);
     }
     QCOMPARE(flatten(hoverRows(tile)), wanted);
@@ -844,7 +835,7 @@ void TestInputSourceItem::menuOfUnselectedTile()
     QCOMPARE(probe.shown, 1);
     QStringList translated;
     for (const QString& key : expected) {
-        translated << text(key.toLatin1().constData());
+        translated << trKey(key.toLatin1().constData());
     }
     QCOMPARE(probe.visibleActions, translated);
 }
@@ -871,13 +862,13 @@ void TestInputSourceItem::menuOfMultiSelectionOffersOnlyDelete()
     MenuProbe probe = openContextMenu(tile);
     QCOMPARE(asked, 1);
     QCOMPARE(probe.shown, 1);
-    QCOMPARE(probe.visibleActions, QStringList{text("Delete")});
+    QCOMPARE(probe.visibleActions, QStringList{trKey("Delete")});
 
     // Once the selection is gone, everything comes back.
     tile.clearSelect();
     probe = openContextMenu(tile);
     QCOMPARE(asked, 1);
-    QVERIFY(probe.visibleActions.contains(text("Rename")));
+    QVERIFY(probe.visibleActions.contains(trKey("Rename")));
 }
 
 void TestInputSourceItem::captureTileWithMultiSelectionOpensNoMenu()
@@ -906,13 +897,13 @@ void TestInputSourceItem::menuOfSingleSelectionOffersEverything()
     selectByClick(tile);
     const MenuProbe probe = openContextMenu(tile);
     QCOMPARE(asked, 1);
-    QCOMPARE(probe.visibleActions, (QStringList{text("Rename"), text("Delete"), text("Edit")}));
+    QCOMPARE(probe.visibleActions, (QStringList{trKey("Rename"), trKey("Delete"), trKey("Edit")}));
 
     // A capture tile with a single selection still opens its menu, without "Delete".
     InputSourceItem capture(captureKind);
     connect(&capture, &InputSourceItem::signalCheckMultiSelect, this, [] { return false; });
     selectByClick(capture);
-    QCOMPARE(openContextMenu(capture).visibleActions, QStringList{text("Rename")});
+    QCOMPARE(openContextMenu(capture).visibleActions, QStringList{trKey("Rename")});
 }
 
 void TestInputSourceItem::deleteReportsTheTileOrTheSelection()
@@ -1033,7 +1024,7 @@ void TestInputSourceItem::deviceCaptionIsFixed()
     auto* const caption = child<QLabel>(tile, "captionLabel");
     QCOMPARE(
         caption->text(),
-        QFontMetrics(caption->font()).elidedText(text("LocalCaptureDevice"), Qt::ElideRight, 142));
+        QFontMetrics(caption->font()).elidedText(trKey("LocalCaptureDevice"), Qt::ElideRight, 142));
 
     const QString device = QStringLiteral("USB3.0 HD Video Capture Device With A Long Name");
     tile.setDeviceCaption(device, QStringLiteral("Camera 1"));
@@ -1131,26 +1122,26 @@ void TestInputSourceItem::offlineResolutionIsNotKept()
 void TestInputSourceItem::webModeText()
 {
     InputSourceItem tile(webKind);
-    QCOMPARE(infoLabel(tile)->text(), text("NativeMode"));
+    QCOMPARE(infoLabel(tile)->text(), trKey("NativeMode"));
 
     tile.setWebMode(1);
     tile.setResolution(QStringLiteral("1,920*1,080"), QStringLiteral("ignored"));
-    QCOMPARE(infoLabel(tile)->text(), text("ScreenshotMode") + QStringLiteral(" 1920*1080"));
+    QCOMPARE(infoLabel(tile)->text(), trKey("ScreenshotMode") + QStringLiteral(" 1920*1080"));
 
     // Offline and online both end on the web mode text.
     tile.setOnline(true);
-    QCOMPARE(infoLabel(tile)->text(), text("ScreenshotMode") + QStringLiteral(" 1920*1080"));
+    QCOMPARE(infoLabel(tile)->text(), trKey("ScreenshotMode") + QStringLiteral(" 1920*1080"));
     tile.setOnline(false);
-    QCOMPARE(infoLabel(tile)->text(), text("ScreenshotMode") + QStringLiteral(" 1920*1080"));
+    QCOMPARE(infoLabel(tile)->text(), trKey("ScreenshotMode") + QStringLiteral(" 1920*1080"));
 
     tile.setWebMode(0);
     tile.setResolution(QStringLiteral("1280*720"), QString());
-    QCOMPARE(infoLabel(tile)->text(), text("NativeMode"));
+    QCOMPARE(infoLabel(tile)->text(), trKey("NativeMode"));
 
     // An unknown mode leaves the label alone.
     tile.setWebMode(5);
     tile.setResolution(QStringLiteral("640*360"), QString());
-    QCOMPARE(infoLabel(tile)->text(), text("NativeMode"));
+    QCOMPARE(infoLabel(tile)->text(), trKey("NativeMode"));
 }
 
 void TestInputSourceItem::longInfoTextStaysInsideTheTile()
@@ -1162,7 +1153,7 @@ void TestInputSourceItem::longInfoTextStaysInsideTheTile()
     QVERIFY(QTest::qWaitForWindowExposed(&tile));
 
     QLabel* const info = infoLabel(tile);
-    const QString full = text("ScreenshotMode") + QStringLiteral(" 7680*4320");
+    const QString full = trKey("ScreenshotMode") + QStringLiteral(" 7680*4320");
     QCOMPARE(info->text(), full);
     QCOMPARE(tile.width(), 170);
     // Wider than the tile, the text still leaves the label inside its row's margins; the label
@@ -1511,10 +1502,10 @@ void TestInputSourceItem::translateLanguageAppliesTheLoadedLanguage()
     wide.setPixelSize(40);
     narrowCaption->setFont(wide);
     narrow.translateLanguage();
-    QVERIFY(narrowCaption->text() != text("LocalCaptureDevice"));
+    QVERIFY(narrowCaption->text() != trKey("LocalCaptureDevice"));
     QCOMPARE(narrowCaption->text(),
-             QFontMetrics(wide).elidedText(text("LocalCaptureDevice"), Qt::ElideRight, 142));
-    QCOMPARE(hoverRows(narrow).value(0).second, text("LocalCaptureDevice"));
+             QFontMetrics(wide).elidedText(trKey("LocalCaptureDevice"), Qt::ElideRight, 142));
+    QCOMPARE(hoverRows(narrow).value(0).second, trKey("LocalCaptureDevice"));
 }
 
 void TestInputSourceItem::thumbnailIsStretchedToTheThumbnailArea()

@@ -1,3 +1,6 @@
+#include "languagefiles.h"
+#include "trkey.h"
+
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>
 
 #include <QtTest>
@@ -6,21 +9,7 @@
 #include <thread>
 #include <vector>
 
-namespace {
-
-QString text(const char* key)
-{
-    return quandel::trans::translate(InputSourceTranslateManager::instance().translator(),
-                                     "InputSource", "Widget", key);
-}
-
-QString languageFile(const char* code)
-{
-    return QStringLiteral(VEXA_TRANSLATIONS_BUILD_DIR "/vexainputsourcewidget_%1.qm")
-        .arg(QLatin1String(code));
-}
-
-} // namespace
+using vexa::inputsource::trKey;
 
 class TestInputSourceTranslateManager : public QObject
 {
@@ -73,7 +62,7 @@ void TestInputSourceTranslateManager::missingKeyYieldsTheKey()
     auto& translator = InputSourceTranslateManager::instance().translator();
     QVERIFY(translator.load(languageFile("en_US")));
     translator.switchLanguage(QStringLiteral("en_US"));
-    QCOMPARE(text("NoSuchKeyInAnyLanguageFile"), QStringLiteral("NoSuchKeyInAnyLanguageFile"));
+    QCOMPARE(trKey("NoSuchKeyInAnyLanguageFile"), QStringLiteral("NoSuchKeyInAnyLanguageFile"));
 }
 
 void TestInputSourceTranslateManager::switchingLanguageChangesTheTexts()
@@ -84,11 +73,11 @@ void TestInputSourceTranslateManager::switchingLanguageChangesTheTexts()
     }
 
     translator.switchLanguage(QStringLiteral("zh_CN"));
-    const QString simplified = text("DeleteText");
+    const QString simplified = trKey("DeleteText");
     translator.switchLanguage(QStringLiteral("zh_TW"));
-    const QString traditional = text("DeleteText");
+    const QString traditional = trKey("DeleteText");
     translator.switchLanguage(QStringLiteral("en_US"));
-    const QString english = text("DeleteText");
+    const QString english = trKey("DeleteText");
 
     for (const QString& translated : {simplified, traditional, english}) {
         QVERIFY(!translated.isEmpty());
@@ -99,7 +88,7 @@ void TestInputSourceTranslateManager::switchingLanguageChangesTheTexts()
     QVERIFY(simplified != traditional);
 
     translator.switchLanguage(QStringLiteral("zh_CN"));
-    QCOMPARE(text("DeleteText"), simplified);
+    QCOMPARE(trKey("DeleteText"), simplified);
 }
 
 QTEST_GUILESS_MAIN(TestInputSourceTranslateManager)
