@@ -1,10 +1,12 @@
 #include <zq/mediacore/valuemeta.h>
 
+#include <vexainputsourcewidget/testing/runtogether.h>
+
 #include <QtTest>
 
 #include <atomic>
+#include <functional>
 #include <string>
-#include <thread>
 #include <vector>
 
 using quandel::CaptResolutionsInfo;
@@ -208,27 +210,18 @@ void TestValueMeta::toleratesConcurrentWritersAndReaders()
     ValueMeta meta(first);
 
     constexpr int iterations = 1000;
-    std::atomic<bool> go{false};
     std::atomic<int> wrongFields{0};
     std::atomic<int> tornSnapshots{0};
-    const auto waitForGo = [&go] {
-        while (!go.load()) {
-            std::this_thread::yield();
-        }
-    };
-
-    std::vector<std::thread> threads;
+    std::vector<std::function<void()>> bodies;
     for (int writer = 0; writer < 2; ++writer) {
-        threads.emplace_back([&, writer] {
-            waitForGo();
+        bodies.emplace_back([&, writer] {
             for (int i = 0; i < iterations; ++i) {
                 meta.setValues((i + writer) % 2 == 0 ? first : second);
             }
         });
     }
     for (int reader = 0; reader < 2; ++reader) {
-        threads.emplace_back([&] {
-            waitForGo();
+        bodies.emplace_back([&] {
             for (int i = 0; i < iterations; ++i) {
                 // Single getters may mix the two sets between calls, but each field must be
                 // one of the two values as a whole.
@@ -258,10 +251,7 @@ void TestValueMeta::toleratesConcurrentWritersAndReaders()
         });
     }
 
-    go = true;
-    for (auto& thread : threads) {
-        thread.join();
-    }
+    vexa::testing::runTogether(bodies);
 
     QCOMPARE(wrongFields.load(), 0);
     QCOMPARE(tornSnapshots.load(), 0);

@@ -1,12 +1,14 @@
 #include <quandel/resource/valueresource.h>
 #include <zq/mediacore/valuemeta.h>
 
+#include <vexainputsourcewidget/testing/runtogether.h>
+
 #include <QtTest>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 using quandel::resource::EnResourceType;
@@ -207,21 +209,13 @@ void TestValueResource::toleratesConcurrentReadersAndWriters()
     ValueResource resource(9, EnResourceType::NdiSource, initialName);
 
     constexpr int iterations = 2000;
-    std::atomic<bool> go{false};
     std::atomic<int> wrongNames{0};
     std::atomic<int> wrongMetas{0};
     std::atomic<int> wrongIdentities{0};
 
-    const auto waitForGo = [&go] {
-        while (!go.load()) {
-            std::this_thread::yield();
-        }
-    };
-
-    std::vector<std::thread> threads;
+    std::vector<std::function<void()>> bodies;
     for (int writer = 0; writer < 2; ++writer) {
-        threads.emplace_back([&, writer] {
-            waitForGo();
+        bodies.emplace_back([&, writer] {
             for (int i = 0; i < iterations; ++i) {
                 const bool even = (i + writer) % 2 == 0;
                 resource.setName(even ? nameA : nameB);
@@ -234,8 +228,7 @@ void TestValueResource::toleratesConcurrentReadersAndWriters()
         });
     }
     for (int reader = 0; reader < 2; ++reader) {
-        threads.emplace_back([&] {
-            waitForGo();
+        bodies.emplace_back([&] {
             for (int i = 0; i < iterations; ++i) {
                 const std::string name = resource.getName();
                 if (name != initialName && name != nameA && name != nameB) {
@@ -256,10 +249,7 @@ void TestValueResource::toleratesConcurrentReadersAndWriters()
         });
     }
 
-    go = true;
-    for (auto& thread : threads) {
-        thread.join();
-    }
+    vexa::testing::runTogether(bodies);
 
     QCOMPARE(wrongNames.load(), 0);
     QCOMPARE(wrongMetas.load(), 0);

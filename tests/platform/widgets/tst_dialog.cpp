@@ -45,6 +45,15 @@ QWidget* titleBar(const Dialog& dialog)
 }
 
 // The title bar's centre in the coordinates of the dialog's window.
+// Content, and room on every side, so that drags in any direction stay on the screen.
+bool showAwayFromTheCorner(Dialog& dialog)
+{
+    addContent(dialog);
+    dialog.move(100, 100);
+    dialog.show();
+    return QTest::qWaitForWindowExposed(&dialog);
+}
+
 QPoint titleBarCentre(const Dialog& dialog)
 {
     const QWidget* const bar = titleBar(dialog);
@@ -115,10 +124,7 @@ void TestDialog::setTitleShowsInTheTitleBar()
 void TestDialog::draggingTheTitleBarMovesTheWindow()
 {
     Dialog dialog;
-    addContent(dialog);
-    dialog.move(100, 100);
-    dialog.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    QVERIFY(showAwayFromTheCorner(dialog));
     const QPoint start = dialog.pos();
     QWindow* const window = dialog.windowHandle();
     const QPoint grab = titleBarCentre(dialog);
@@ -141,10 +147,7 @@ void TestDialog::draggingTheTitleBarMovesTheWindow()
 void TestDialog::onlyTheLeftButtonDrags()
 {
     Dialog dialog;
-    addContent(dialog);
-    dialog.move(100, 100);
-    dialog.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    QVERIFY(showAwayFromTheCorner(dialog));
     const QPoint start = dialog.pos();
     QWindow* const window = dialog.windowHandle();
     const QPoint grab = titleBarCentre(dialog);
@@ -158,10 +161,7 @@ void TestDialog::onlyTheLeftButtonDrags()
 void TestDialog::draggingTheContentDoesNotMoveTheWindow()
 {
     Dialog dialog;
-    addContent(dialog);
-    dialog.move(100, 100);
-    dialog.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    QVERIFY(showAwayFromTheCorner(dialog));
     const QPoint start = dialog.pos();
     QWindow* const window = dialog.windowHandle();
     QWidget* const content = dialog.dialogWidget();

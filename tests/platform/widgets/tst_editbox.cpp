@@ -41,6 +41,14 @@ struct Window
         return QTest::qWaitForWindowActive(dialog.get());
     }
 
+    // The set-up of most tests: an in-place box showing `text`, on an active window.
+    bool showInPlace(const QString& text)
+    {
+        box->setTriggerEdit(true);
+        box->setText(text);
+        return show();
+    }
+
     QLineEdit* editor() const { return box->findChild<QLineEdit*>(QStringLiteral("editor")); }
     QLabel* label() const { return box->findChild<QLabel*>(QStringLiteral("label")); }
 
@@ -134,9 +142,7 @@ void TestEditBox::leavingEmitsEditingFinished()
 void TestEditBox::triggerEditShowsTheLabelUntilEditingBegins()
 {
     Window window;
-    window.box->setTriggerEdit(true);
-    window.box->setText(QStringLiteral("Cam 1"));
-    QVERIFY(window.show());
+    QVERIFY(window.showInPlace(QStringLiteral("Cam 1")));
     QVERIFY(window.label()->isVisible());
     QVERIFY(!window.editor()->isVisible());
     QCOMPARE(window.label()->text(), QStringLiteral("Cam 1"));
@@ -153,9 +159,7 @@ void TestEditBox::triggerEditShowsTheLabelUntilEditingBegins()
 void TestEditBox::enterEndsATriggeredEditOnceAndStaysInside()
 {
     Window window;
-    window.box->setTriggerEdit(true);
-    window.box->setText(QStringLiteral("Cam 1"));
-    QVERIFY(window.show());
+    QVERIFY(window.showInPlace(QStringLiteral("Cam 1")));
     QSignalSpy finished(window.box, &EditBox::editingFinished);
     QSignalSpy defaultPressed(window.defaultButton, &QPushButton::clicked);
 
@@ -210,9 +214,7 @@ void TestEditBox::emptiedWithoutRestoreStaysEmpty()
 void TestEditBox::escapeRestoresTheTextWithoutEmitting()
 {
     Window window;
-    window.box->setTriggerEdit(true);
-    window.box->setText(QStringLiteral("Cam 1"));
-    QVERIFY(window.show());
+    QVERIFY(window.showInPlace(QStringLiteral("Cam 1")));
     QSignalSpy finished(window.box, &EditBox::editingFinished);
 
     window.box->beginEdit();
@@ -292,9 +294,7 @@ void TestEditBox::aLongerTextIsNeverCut()
 void TestEditBox::doubleClickStartsEditingOnlyWhenEnabled()
 {
     Window window;
-    window.box->setTriggerEdit(true);
-    window.box->setText(QStringLiteral("Cam 1"));
-    QVERIFY(window.show());
+    QVERIFY(window.showInPlace(QStringLiteral("Cam 1")));
 
     QTest::mouseDClick(window.label(), Qt::LeftButton);
     QVERIFY(!window.box->isEditing());
@@ -310,9 +310,7 @@ void TestEditBox::doubleClickStartsEditingOnlyWhenEnabled()
 void TestEditBox::aPressOutsideEndsATriggeredEdit()
 {
     Window window;
-    window.box->setTriggerEdit(true);
-    window.box->setText(QStringLiteral("Cam 1"));
-    QVERIFY(window.show());
+    QVERIFY(window.showInPlace(QStringLiteral("Cam 1")));
     QSignalSpy finished(window.box, &EditBox::editingFinished);
     window.box->beginEdit();
     QTest::keyClicks(window.editor(), QStringLiteral("Cam 2"));
