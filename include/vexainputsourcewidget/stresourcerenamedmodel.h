@@ -17,8 +17,10 @@ struct STResourceRenamedModel
     std::string ipAddress;
     /// For an NDI sender, the name it announces on the network.
     std::string senderName;
-    /// For an NDI sender, the id of the source already added for it; 0 when not added.
-    uint64_t addedSourceId = 0;
+    /// A flag word. For an NDI sender: non-zero when a source was already added for it. In a
+    /// rename notification: non-zero when the asked name already exists, so the source kept the
+    /// name this record carries.
+    uint64_t flag = 0;
 };
 
 } // namespace vexa

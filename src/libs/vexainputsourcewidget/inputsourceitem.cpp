@@ -738,6 +738,11 @@ void InputSourceItem::setPreviewChecked(bool checked)
     d->previewButton->setChecked(checked);
 }
 
+bool InputSourceItem::isPreviewChecked() const
+{
+    return d->previewButton->isChecked();
+}
+
 bool InputSourceItem::isPreviewToggleEnabled() const
 {
     return d->previewButton->isEnabled();

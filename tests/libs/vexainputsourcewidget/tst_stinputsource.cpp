@@ -91,7 +91,7 @@ void TestSTInputSource::defaultRenameModel()
     QVERIFY(model.name.empty());
     QVERIFY(model.ipAddress.empty());
     QVERIFY(model.senderName.empty());
-    QCOMPARE(model.addedSourceId, uint64_t(0));
+    QCOMPARE(model.flag, uint64_t(0));
 }
 
 void TestSTInputSource::defaultWebOperation()

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <vexainputsourcewidget/iinputsourcemgr.h>
+
+#include <quandel/resource/enresourcetype.h>
+#include <sigslot/signal.h>
+#include <vexa/diagnostics/warning.h>
+
+#include <QGenericArgument>
+#include <QMetaObject>
+#include <QObject>
+#include <QString>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace vexa::inputsource {
+
+/// The runtime-thread side of a box's binding: receives the manager's notifications on the
+/// runtime thread, copies what they carry and queues the matching slot of its target on the
+/// target's thread, by name, in the order the manager fired them.
+///
+/// The manager's signals keep the relay alive through their connections, so a notification
+/// already under way when the box goes still finds a relay; detach() makes it drop everything
+/// from then on, without waiting for the runtime.
+class ManagerRelay : public std::enable_shared_from_this<ManagerRelay>
+{
+public:
+    /// A relay queuing to `target`'s slots "addItem", "updateItem", ... (not owned; see
+    /// detach()). Online states are passed on only for `type`.
+    ManagerRelay(QObject* target, quandel::resource::EnResourceType type);
+    ~ManagerRelay();
+    ManagerRelay(const ManagerRelay&) = delete;
+    ManagerRelay& operator=(const ManagerRelay&) = delete;
+
+    /// The type whose online states are passed on. Any thread.
+    void setResourceType(quandel::resource::EnResourceType type);
+
+    /// Connects the relay to every notification a box reacts to; returns the connections.
+    /// Runtime thread.
+    std::vector<sigslot::connection> connect(const std::shared_ptr<IInputSourceMgr>& mgr);
+
+    /// Stops queuing: once it has returned, no call reaches the target. Any thread.
+    void detach();
+
+private:
+    void resourcesAdded(const std::vector<IInputSourceMgr::ResourcePtr>& resources);
+    void resourceExtracted(const IInputSourceMgr::ResourcePtr& resource);
+    void onlineStatusChanged(const std::map<uint64_t, bool>& states, int type);
+    void webInfoChanged(const std::weak_ptr<IInputSourceMgr>& mgr, const STWebOperation& operation);
+
+    // Queues `slot` on the target with the arguments, each named as the slot's meta-object
+    // knows its type. The lock makes detach() wait for a call being queued.
+    template <typename... Args>
+    void queue(const char* slot, Args... args)
+    {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        if (m_target != nullptr &&
+            !QMetaObject::invokeMethod(m_target, slot, Qt::QueuedConnection, args...)) {
+            VEXA_WARNING(QStringLiteral("cannot queue %1").arg(QLatin1String(slot)));
+        }
+    }
+
+    std::mutex m_lock;
+    QObject* m_target;
+    std::atomic<int> m_type;
+};
+
+} // namespace vexa::inputsource
