@@ -1,5 +1,6 @@
 #pragma once
 
+#include <vexainputsourcewidget/iinputsourcemgr.h>
 #include <vexainputsourcewidget/stinputsource.h>
 #include <vexainputsourcewidget/stresourcerenamedmodel.h>
 #include <vexainputsourcewidget/stweboperation.h>
@@ -7,6 +8,7 @@
 
 #include <quandel/captresolutionsinfo.h>
 #include <quandel/resource/iresource.h>
+#include <quandel/runtime/izqruntime.h>
 #include <zq/mediacore/imeta.h>
 
 #include <QMetaType>
@@ -35,3 +37,5 @@ Q_DECLARE_METATYPE(quandel::CaptResolutionsInfo)
 Q_DECLARE_METATYPE(std::shared_ptr<quandel::resource::IResource>)
 Q_DECLARE_METATYPE(std::shared_ptr<zq::mediacore::IMeta>)
 Q_DECLARE_METATYPE(vexa::inputsource::MetaQueryResult)
+Q_DECLARE_METATYPE(std::weak_ptr<vexa::inputsource::IInputSourceMgr>)
+Q_DECLARE_METATYPE(quandel::IZQRuntime*)

@@ -600,6 +600,11 @@ void InputSourceItem::setDragEnabled(bool enabled)
     d->dragEnabled = enabled;
 }
 
+bool InputSourceItem::isDragEnabled() const
+{
+    return d->dragEnabled;
+}
+
 void InputSourceItem::setLoadingMovie(const QString& path)
 {
     QMovie* const previous = d->loadingMovie;

@@ -50,6 +50,7 @@ public:
 
     /// Whether a drag may start from the tile (false at first).
     void setDragEnabled(bool enabled);
+    bool isDragEnabled() const;
 
     /// Installs the loading animation of the file at `path` on the cover shown before the
     /// first frame. The tile pauses and resumes it with the preview; starting it is the

@@ -31,6 +31,11 @@ void registerMetaTypes()
             "std::shared_ptr<zq::mediacore::IMeta>");
         qRegisterMetaType<MetaQueryResult>(
             "std::tuple<std::shared_ptr<zq::mediacore::IMeta>,bool>");
+        // The arguments of InputSourceBox::signalMgrSettingFinished, for hosts that connect to it
+        // across threads or watch it with QSignalSpy.
+        qRegisterMetaType<std::weak_ptr<IInputSourceMgr>>(
+            "std::weak_ptr<vexa::inputsource::IInputSourceMgr>");
+        qRegisterMetaType<quandel::IZQRuntime*>("quandel::IZQRuntime*");
         // The maps travel inside a QVariant; registering them through their template also
         // registers the conversion that lets a QVariant holding one be iterated.
         qRegisterMetaType<std::map<uint64_t, bool>>("std::map<uint64_t, bool>");
