@@ -360,10 +360,19 @@ InputSourceItem* InputSourceBox::Impl::createItem(uint64_t id, const IResource& 
 void InputSourceBox::Impl::removeItem(InputSourceItem* item)
 {
     const uint64_t id = item->id();
-    // Out of reach of frame threads before it is destroyed.
+    // Withdrawn at once: out of reach of frame threads and out of the layout.
     index.remove(id, item);
     flowLayout->removeWidget(item);
-    delete item;
+    if (item->isInNestedLoop()) {
+        // Its menu or a drag is open, and the manager removed the source meanwhile: the tile's
+        // handler is still on the stack, so it goes once that handler has returned.
+        item->hide();
+        item->disconnect(this);
+        item->disconnect(owner);
+        connect(item, &InputSourceItem::signalNestedLoopsEnded, item, &QObject::deleteLater);
+    } else {
+        delete item;
+    }
     if (flowLayout->count() == 0) {
         titleButton->setChecked(false);
     }

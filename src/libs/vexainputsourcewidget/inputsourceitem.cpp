@@ -36,6 +36,7 @@
 
 #include <atomic>
 #include <cmath>
+#include <functional>
 #include <limits>
 
 namespace vexa::inputsource {
@@ -193,6 +194,8 @@ public:
     QPoint pressPos;
     int32_t runningSeconds = 0;
     bool dragEnabled = false;
+    // The menu and a drag run event loops of their own, inside this tile's event handlers.
+    int nestedLoops = 0;
     QString resolutionText;
     QMovie* loadingMovie = nullptr;
     int32_t kind = streamKind;
@@ -213,6 +216,7 @@ public Q_SLOTS:
     void slotPreviewToggled(bool checked);
     void slotPreviewClicked(bool checked);
     void slotNameChanged();
+    void runNestedLoop(const std::function<void()>& loop);
     void slotUpdateTime();
     void slotEdit();
     void setPreviewToggled(bool checked);
@@ -493,7 +497,16 @@ void InputSourceItem::Impl::startDrag()
     // target may follow only while this reference keeps the object alive.
     const MetaQueryResult meta = Q_EMIT owner->signalGetInputSourceMeta(id);
     drag->setMimeData(makeDragPayload(id, meta));
-    drag->exec(Qt::MoveAction);
+    runNestedLoop([drag] { drag->exec(Qt::MoveAction); });
+}
+
+void InputSourceItem::Impl::runNestedLoop(const std::function<void()>& loop)
+{
+    ++nestedLoops;
+    loop();
+    if (--nestedLoops == 0) {
+        Q_EMIT owner->signalNestedLoopsEnded();
+    }
 }
 
 void InputSourceItem::Impl::slotDelete()
@@ -881,7 +894,12 @@ void InputSourceItem::contextMenuEvent(QContextMenuEvent* /*event*/)
     // With several tiles selected only "Delete" makes sense: it deletes the whole selection.
     d->renameAction->setVisible(!severalSelected);
     d->editAction->setVisible(!severalSelected);
-    d->menu->exec(QCursor::pos());
+    d->runNestedLoop([this] { d->menu->exec(QCursor::pos()); });
+}
+
+bool InputSourceItem::isInNestedLoop() const
+{
+    return d->nestedLoops > 0;
 }
 
 } // namespace vexa::inputsource

@@ -119,6 +119,10 @@ public:
     /// Re-applies the translated texts after a language switch.
     void translateLanguage();
 
+    /// True while the tile's menu or a drag from it runs its own event loop, inside one of the
+    /// tile's event handlers: the tile must not be destroyed until signalNestedLoopsEnded().
+    bool isInNestedLoop() const;
+
     /// The payload a drag of the source `id` carries, for the host's drop targets; `meta` is
     /// what the box answered to signalGetInputSourceMeta. Formats, each a byte array:
     /// "materialId" and "resId" the id as decimal text; "meta" the address of the meta object
@@ -159,6 +163,9 @@ Q_SIGNALS:
     void signalDoubleClicked(uint64_t id);
     /// The operator picked a capture format in the chooser.
     void signalCaptResolutionChanged(uint64_t id, const quandel::CaptResolutionsInfo& info);
+    /// The last nested event loop of the menu or a drag returned; emitted from inside the
+    /// tile's event handler, so a deleteLater() connected to it runs after that handler.
+    void signalNestedLoopsEnded();
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;

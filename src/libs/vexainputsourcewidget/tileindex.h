@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtGlobal>
+#include <vexainputsourcewidget/vexainputsourcewidget_export.h>
 
 #include <atomic>
 #include <cstdint>
@@ -23,7 +23,7 @@ class InputSourceItem;
 /// Only the GUI thread adds and removes, so it reads without a lock. Frame threads read under
 /// the shared lock for the whole hand-over, and the GUI thread removes under the exclusive one,
 /// so once remove() has returned no frame thread is inside the tile or can reach it again.
-class TileIndex
+class VEXAINPUTSOURCEWIDGET_EXPORT TileIndex
 {
 public:
     TileIndex();

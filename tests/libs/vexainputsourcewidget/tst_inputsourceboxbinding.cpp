@@ -19,6 +19,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -103,6 +104,7 @@ private Q_SLOTS:
     void captureTileGetsItsFormats();
     void lastTileRemovedCollapsesAndLaterAddExpands();
     void clearedManagerRemovesEveryTile();
+    void sourceRemovedWhileItsMenuIsOpen();
     void notificationsKeepTheirOrder();
 
     void onlineStatusOfOtherTypesIsIgnored();
@@ -358,6 +360,38 @@ void TestInputSourceBoxBinding::clearedManagerRemovesEveryTile()
     BoundBox::settle();
     QCOMPARE(bound.box.itemCount(), 0);
     QCOMPARE(bound.box.findItem(2), nullptr);
+}
+
+void TestInputSourceBoxBinding::sourceRemovedWhileItsMenuIsOpen()
+{
+    BoundBox bound;
+    bound.addOwn({1});
+    QPointer<InputSourceItem> tile = bound.tile(1);
+    QMenu* const menu = tile->findChild<QMenu*>();
+    bool withdrawnWhileOpen = false;
+    connect(menu, &QMenu::aboutToShow, menu, [&] {
+        // The host removes the source while the operator looks at its menu.
+        bound.mgr->fireOnRuntime([](auto& mgr) { mgr.signalResourcesDeleted({1}); });
+        QTimer::singleShot(50, menu, [&] {
+            withdrawnWhileOpen = bound.box.findItem(1) == nullptr && !tile.isNull();
+            menu->close();
+        });
+    });
+    const QPoint local(20, 20);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, local, tile->mapToGlobal(local));
+    QCoreApplication::sendEvent(tile, &event);
+
+    QVERIFY(withdrawnWhileOpen);
+    QCOMPARE(bound.box.itemCount(), 0);
+    // Gone once its menu handler has returned, not under it.
+    QTRY_VERIFY(tile.isNull());
+
+    // Without a menu open, a removed tile goes at once.
+    bound.addOwn({2});
+    QPointer<InputSourceItem> plain = bound.tile(2);
+    bound.mgr->fireOnRuntime([](auto& mgr) { mgr.signalResourcesDeleted({2}); });
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall);
+    QVERIFY(plain.isNull());
 }
 
 void TestInputSourceBoxBinding::notificationsKeepTheirOrder()
