@@ -33,6 +33,8 @@
 #include <algorithm>
 #include <exception>
 #include <map>
+#include <optional>
+#include <type_traits>
 #include <utility>
 
 namespace vexa::inputsource {
@@ -251,16 +253,35 @@ template <typename Callable>
 auto InputSourceBox::Impl::request(const char* tag, Callable&& callable)
 {
     using Result = std::invoke_result_t<std::decay_t<Callable>&>;
-    // A manager that throws, or a runtime that drops the call, must not take the panel down:
-    // the operator sees nothing happen and the log says why.
+    using Answer = std::optional<std::conditional_t<std::is_void_v<Result>, bool, Result>>;
+    // An empty answer means the runtime refused the call and destroyed it unrun.
+    auto answered = [call = std::forward<Callable>(callable)]() mutable -> Answer {
+        if constexpr (std::is_void_v<Result>) {
+            call();
+            return true;
+        } else {
+            return call();
+        }
+    };
+    // A manager that throws, or a runtime that refuses or drops the call, must not take the
+    // panel down: the operator sees nothing happen and the log says why.
     try {
-        return runOnRuntime(runtime, __FILE__, __LINE__, tag, std::forward<Callable>(callable));
+        Answer answer = runOnRuntime(runtime, __FILE__, __LINE__, tag, std::move(answered));
+        if (!answer.has_value()) {
+            if (runtime != nullptr) {
+                VEXA_WARNING(QStringLiteral("%1: refused by the runtime").arg(QLatin1String(tag)));
+            }
+        } else if constexpr (!std::is_void_v<Result>) {
+            return std::move(*answer);
+        }
     } catch (const std::exception& error) {
         VEXA_WARNING(QStringLiteral("%1: %2").arg(QLatin1String(tag), QLatin1String(error.what())));
     } catch (...) {
         VEXA_WARNING(QStringLiteral("%1: unknown exception").arg(QLatin1String(tag)));
     }
-    return Result();
+    if constexpr (!std::is_void_v<Result>) {
+        return Result();
+    }
 }
 
 void InputSourceBox::Impl::sendDelete(std::shared_ptr<IInputSourceMgr> mgr, const char* tag,
@@ -795,7 +816,6 @@ void InputSourceBox::setInputSourceMgr(std::weak_ptr<IInputSourceMgr> mgr)
         return true;
     });
     if (!connected) {
-        VEXA_WARNING("the runtime refused to connect the manager");
         return;
     }
     Q_EMIT signalMgrSettingFinished(mgr, d->runtime);
@@ -816,7 +836,6 @@ void InputSourceBox::unsetInputSourceMgr()
         return true;
     });
     if (!disconnected) {
-        VEXA_WARNING("the runtime refused to disconnect the manager");
         return;
     }
     Q_EMIT signalMgrUnsettingFinished();

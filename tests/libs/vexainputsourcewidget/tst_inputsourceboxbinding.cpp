@@ -135,6 +135,7 @@ private Q_SLOTS:
 
     void commandsWithAnExpiredManagerWarnAndSendNothing();
     void throwingManagerIsLoggedNotFatal();
+    void refusedCommandIsLogged();
     void framesReachTheTileOfTheirId();
 };
 
@@ -236,7 +237,7 @@ void TestInputSourceBoxBinding::refusedGateWarnsAndEmitsNothing()
     box.setInputSourceMgr(mgr);
     QCOMPARE(finished.count(), 0);
     QCOMPARE(mgr->signalResourcesAdded.slot_count(), 0U);
-    QVERIFY(!ownWarnings(recorder).empty());
+    QCOMPARE(recorder.count(QStringLiteral("setInputSourceMgr: refused by the runtime")), 1);
 
     runtime.setGateOpen(true);
     box.setInputSourceMgr(mgr);
@@ -973,6 +974,21 @@ void TestInputSourceBoxBinding::throwingManagerIsLoggedNotFatal()
     bound.mgr->setCallHook({});
     QCOMPARE(recorder.count(QStringLiteral("slotItemDelete: device busy")), 1);
     QVERIFY(bound.tile(1) != nullptr);
+}
+
+void TestInputSourceBoxBinding::refusedCommandIsLogged()
+{
+    BoundBox bound;
+    bound.addOwn({1});
+    bound.runtime.setGateOpen(false);
+    WarningRecorder recorder;
+    Q_EMIT bound.tile(1)->signalNameChanged(1, QStringLiteral("Closed"));
+    const MetaQueryResult meta = bound.tile(1)->signalGetInputSourceMeta(1);
+    bound.runtime.setGateOpen(true);
+    QCOMPARE(recorder.count(QStringLiteral("slotItemNameChanged: refused by the runtime")), 1);
+    QCOMPARE(recorder.count(QStringLiteral("slotGetInputSourceMeta: refused by the runtime")), 1);
+    QCOMPARE(std::get<0>(meta), nullptr);
+    QCOMPARE(bound.mgr->callCount("renameInputSource"), 0);
 }
 
 void TestInputSourceBoxBinding::framesReachTheTileOfTheirId()
