@@ -1,40 +1,57 @@
 #include "demowindow.h"
 
-#include "syntheticpreview.h"
+#include "simulatedinputsourcemgr.h"
+#include "themeloader.h"
 
+#include <vexainputsourcewidget/inputsourcebox.h>
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>
 #include <vexainputsourcewidget/version.h>
 
-#include <XJ/Utils/flowlayout.h>
 #include <captureprobe/wgcsupport.h>
 #include <quandel/msgcenter/msgcentermgr.h>
 #include <quandel/runtime/zqruntime.h>
+#include <vexa/diagnostics/warning.h>
 #include <vexa/widgets/combobox.h>
-#include <vexa/widgets/pushbutton.h>
-#include <vexa/widgets/tipdialog.h>
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
-#include <QPointer>
+#include <QScrollArea>
 #include <QStatusBar>
+#include <QTimer>
 #include <QVBoxLayout>
-
-#include <atomic>
-#include <sstream>
-#include <thread>
 
 namespace demohost {
 
 namespace {
 
-QString threadName(std::thread::id id)
+using quandel::resource::EnResourceType;
+using vexa::inputsource::InputSourceBox;
+
+// The panel's categories, top to bottom. A category without a key has a fixed title that no
+// language translates.
+struct Category
 {
-    std::ostringstream text;
-    text << id;
-    return QString::fromStdString(text.str());
+    EnResourceType type;
+    const char* titleKey;
+    const char* fixedTitle;
+};
+
+constexpr Category categories[] = {
+    {EnResourceType::LocalCaptureDevice, "CaptureCard", nullptr},
+    {EnResourceType::NetworkStream, "Streaming", nullptr},
+    {EnResourceType::NdiSource, nullptr, "NDI"},
+    {EnResourceType::WebPage, nullptr, "Web"},
+};
+
+constexpr int panelWidth = 742;
+constexpr int statusIntervalMs = 1000;
+
+QString text(const char* key)
+{
+    return quandel::trans::translate(InputSourceTranslateManager::instance().translator(),
+                                     "InputSource", "Widget", key);
 }
 
 QString levelName(int level)
@@ -51,12 +68,6 @@ QString levelName(int level)
     }
 }
 
-QString text(const char* key)
-{
-    return quandel::trans::translate(InputSourceTranslateManager::instance().translator(),
-                                     "InputSource", "Widget", key);
-}
-
 QLabel* caption(const QString& words, QWidget* parent)
 {
     auto* label = new QLabel(words, parent);
@@ -70,31 +81,31 @@ struct DemoWindow::Impl
 {
     explicit Impl(DemoWindow* owner)
         : q(owner)
+        , manager(std::make_shared<SimulatedInputSourceMgr>(&runtime))
     {}
 
-    struct Tile
-    {
-        const char* key;
-        QLabel* label;
-    };
-
     QWidget* buildToolbar();
-    QWidget* buildSources();
+    QWidget* buildPanel();
     QWidget* buildMessages();
+    void bindBoxes();
+    void reportManagerEvents();
     void loadLanguages();
     void retranslate();
-    void postBurst(int count);
-    void askQuestion();
+    void addSource(EnResourceType type);
+    void refreshStatus();
     void addMessage(quint64 id);
     void removeMessage(quint64 id);
 
     DemoWindow* const q;
+    // Declared first, destroyed last: everything below may still post to it.
     quandel::ZQRuntime runtime;
     quandel::msgcenter::MsgCenterMgr messageCentre;
-    QLabel* runtimeState = nullptr;
+    std::shared_ptr<SimulatedInputSourceMgr> const manager;
+    std::vector<InputSourceBox*> boxes;
+    std::vector<sigslot::scoped_connection> managerEvents;
     QListWidget* messageList = nullptr;
-    vexa::widgets::PushButton* askButton = nullptr;
-    std::vector<Tile> tiles;
+    QLabel* status = nullptr;
+    uint64_t framesAtLastStatus = 0;
 };
 
 void DemoWindow::Impl::loadLanguages()
@@ -111,10 +122,19 @@ void DemoWindow::Impl::loadLanguages()
 QWidget* DemoWindow::Impl::buildToolbar()
 {
     auto* bar = new QWidget;
+    bar->setObjectName(QStringLiteral("toolbar"));
     bar->setProperty("style", "BG1");
+    bar->setAttribute(Qt::WA_StyledBackground);
     auto* layout = new QHBoxLayout(bar);
-    layout->setContentsMargins(12, 8, 12, 8);
-    layout->setSpacing(8);
+    layout->setContentsMargins(14, 8, 12, 8);
+    layout->setSpacing(12);
+
+    auto* title = new QLabel(QStringLiteral("Input sources"), bar);
+    title->setProperty("fontSize", "L");
+    title->setStyleSheet(QStringLiteral("font-weight: 600;"));
+
+    status = caption(QString(), bar);
+    status->setObjectName(QStringLiteral("sourceStatus"));
 
     auto* languages = new vexa::widgets::ComboBox(bar);
     languages->setObjectName(QStringLiteral("languageChooser"));
@@ -128,111 +148,58 @@ QWidget* DemoWindow::Impl::buildToolbar()
                          retranslate();
                      });
 
-    auto* gate = new vexa::widgets::PushButton(QStringLiteral("Gate open"), bar);
-    gate->setCheckable(true);
-    gate->setChecked(runtime.isGateOpen());
-    gate->setProperty("checkStyle", true);
-    QObject::connect(gate, &QPushButton::toggled, q,
-                     [this](bool open) { runtime.setGateOpen(open); });
-
-    auto* burst = new vexa::widgets::PushButton(QStringLiteral("Post 10 000 tasks"), bar);
-    burst->setProperty("style", "assist");
-    QObject::connect(burst, &QPushButton::clicked, q, [this] { postBurst(10000); });
-
-    askButton = new vexa::widgets::PushButton(bar);
-    askButton->setProperty("style", "general");
-    QObject::connect(askButton, &QPushButton::clicked, q, [this] { askQuestion(); });
-
-    runtimeState =
-        caption(QStringLiteral("GUI thread %1").arg(threadName(std::this_thread::get_id())), bar);
-    runtimeState->setObjectName(QStringLiteral("runtimeState"));
-
+    layout->addWidget(title);
+    layout->addWidget(status, 1);
     layout->addWidget(languages);
-    layout->addWidget(gate);
-    layout->addWidget(burst);
-    layout->addWidget(askButton);
-    layout->addWidget(runtimeState, 1);
     return bar;
 }
 
-QWidget* DemoWindow::Impl::buildSources()
+QWidget* DemoWindow::Impl::buildPanel()
 {
-    auto* area = new QWidget;
-    area->setProperty("style", "BG3");
-    auto* flow = new XJ::Utils::FlowLayout(area, 12, 10, 10);
-    const char* keys[] = {"Streaming", "CaptureCard", "LocalCaptureDevice",
-                          "WebPage",   "Streaming",   "WebPage"};
-    int hue = 0;
-    for (const char* key : keys) {
-        auto* tile = new QWidget(area);
-        tile->setProperty("style", "BG4");
-        tile->setAttribute(Qt::WA_StyledBackground);
-        auto* column = new QVBoxLayout(tile);
-        column->setContentsMargins(1, 1, 1, 6);
-        column->setSpacing(4);
-        column->addWidget(new SyntheticPreview(168, 88, hue, tile));
-        auto* label = new QLabel(tile);
-        label->setContentsMargins(6, 0, 6, 0);
-        column->addWidget(label);
-        flow->addWidget(tile);
-        tiles.push_back({key, label});
-        hue += 60;
+    auto* scroll = new QScrollArea;
+    scroll->setObjectName(QStringLiteral("inputSourcePanel"));
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setMinimumWidth(panelWidth);
+
+    auto* column = new QWidget;
+    column->setProperty("style", "BG3");
+    column->setAttribute(Qt::WA_StyledBackground);
+    auto* layout = new QVBoxLayout(column);
+    layout->setContentsMargins(0, 4, 0, 8);
+    layout->setSpacing(0);
+    const QString loading = ThemeLoader::loadingAnimation(ThemeLoader::themesDir());
+    for (const Category& category : categories) {
+        auto* box = new InputSourceBox(column);
+        box->setObjectName(QStringLiteral("box%1").arg(quandel::resource::toCode(category.type)));
+        box->setResourceType(category.type);
+        box->setZQRuntime(&runtime);
+        box->setLoadingPath(loading);
+        box->setMsgCenterMgr(&messageCentre);
+        layout->addWidget(box);
+        boxes.push_back(box);
     }
-    return area;
+    layout->addStretch(1);
+    scroll->setWidget(column);
+    return scroll;
 }
 
 QWidget* DemoWindow::Impl::buildMessages()
 {
     auto* panel = new QWidget;
+    panel->setObjectName(QStringLiteral("messagePanel"));
     panel->setProperty("style", "BG2");
+    panel->setAttribute(Qt::WA_StyledBackground);
     auto* layout = new QVBoxLayout(panel);
-    layout->setContentsMargins(12, 8, 12, 12);
+    layout->setContentsMargins(12, 10, 12, 12);
+    layout->setSpacing(6);
     messageList = new QListWidget(panel);
     messageList->setObjectName(QStringLiteral("messageList"));
+    messageList->setWordWrap(true);
+    messageList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     messageList->setToolTip(QStringLiteral("Double-click a message to run its action"));
 
-    auto* buttons = new QHBoxLayout;
-    auto* notice = new vexa::widgets::PushButton(QStringLiteral("Post a notice"), panel);
-    auto* warning =
-        new vexa::widgets::PushButton(QStringLiteral("Post a warning with an action"), panel);
-    auto* fromRuntime =
-        new vexa::widgets::PushButton(QStringLiteral("Post from the runtime thread"), panel);
-    for (auto* button : {notice, warning, fromRuntime}) {
-        button->setProperty("style", "assist");
-        buttons->addWidget(button);
-    }
-    buttons->addStretch();
-
-    QObject::connect(notice, &QPushButton::clicked, q, [this] {
-        messageCentre.postMessage({QStringLiteral("A new NDI sender was found on the network."),
-                                   quandel::msgcenter::STMessage::Notice,
-                                   5000,
-                                   {}});
-    });
-    QObject::connect(warning, &QPushButton::clicked, q, [this] {
-        quandel::msgcenter::STMessage message;
-        message.text =
-            text("CpuExceedsTheThreshold").arg(QStringLiteral("30"), QStringLiteral("85%"));
-        message.level = quandel::msgcenter::STMessage::Warning;
-        message.action = {text("GoCheck"), [this] {
-                              messageCentre.postMessage({QStringLiteral("The action ran."),
-                                                         quandel::msgcenter::STMessage::Info,
-                                                         3000,
-                                                         {}});
-                          }};
-        messageCentre.postMessage(message);
-    });
-    QObject::connect(fromRuntime, &QPushButton::clicked, q, [this] {
-        runtime.post(
-            [this] {
-                messageCentre.postMessage({QStringLiteral("Posted on runtime thread %1.")
-                                               .arg(threadName(std::this_thread::get_id())),
-                                           quandel::msgcenter::STMessage::Info,
-                                           -1,
-                                           {}});
-            },
-            __FILE__, __LINE__, "postFromRuntime");
-    });
     QObject::connect(&messageCentre, &quandel::msgcenter::MsgCenterMgr::messagePosted, q,
                      [this](quint64 id) { addMessage(id); });
     QObject::connect(&messageCentre, &quandel::msgcenter::MsgCenterMgr::messageRemoved, q,
@@ -243,63 +210,128 @@ QWidget* DemoWindow::Impl::buildMessages()
                      });
 
     layout->addWidget(caption(QStringLiteral("Message centre"), panel));
-    layout->addWidget(messageList);
-    layout->addLayout(buttons);
+    layout->addWidget(messageList, 1);
     return panel;
+}
+
+void DemoWindow::Impl::bindBoxes()
+{
+    for (InputSourceBox* box : boxes) {
+        const EnResourceType type = box->resourceType();
+        QObject::connect(
+            box, &InputSourceBox::signalCheckInputSourceBeUsed, q,
+            [mgr = manager.get()](uint64_t id) { return mgr->isInUse(id); }, Qt::DirectConnection);
+        QObject::connect(box, &InputSourceBox::signalAddClicked, q,
+                         [this, type] { addSource(type); });
+        box->setInputSourceMgr(manager);
+    }
+    // The frame thread calls this; the list of boxes is fixed from here on, and the sink is
+    // removed before the boxes go.
+    manager->setFrameSink([boxes = boxes](uint64_t id, const zq::mediacore::IFrame* frame) {
+        for (InputSourceBox* box : boxes) {
+            box->updateFrame(id, frame);
+        }
+    });
+}
+
+void DemoWindow::Impl::reportManagerEvents()
+{
+    // Runs on the runtime thread; the message centre takes posts from any thread.
+    const auto post = [this](QString words, quandel::msgcenter::STMessage::Level level) {
+        messageCentre.postMessage({std::move(words), level, 5000, {}});
+    };
+    const auto nameOf = [this](uint64_t id) {
+        const auto resource = manager->getResourceById(id);
+        return resource == nullptr ? QString::number(id)
+                                   : QString::fromStdString(resource->getName());
+    };
+    managerEvents.emplace_back(manager->signalResourcesAdded.connect(
+        [post](const std::vector<SimulatedInputSourceMgr::ResourcePtr>& resources,
+               const std::vector<vexa::inputsource::STInputSource>&) {
+            QStringList names;
+            for (const auto& resource : resources) {
+                names.append(QString::fromStdString(resource->getName()));
+            }
+            post(QStringLiteral("Added %1.").arg(names.join(QStringLiteral(", "))),
+                 quandel::msgcenter::STMessage::Info);
+        }));
+    managerEvents.emplace_back(manager->signalOnlineStatusChanged.connect(
+        [post, nameOf](const std::map<uint64_t, bool>& states, int) {
+            for (const auto& [id, online] : states) {
+                post(QStringLiteral("%1 is %2.")
+                         .arg(nameOf(id),
+                              online ? QStringLiteral("online") : QStringLiteral("offline")),
+                     quandel::msgcenter::STMessage::Info);
+            }
+        }));
+    managerEvents.emplace_back(manager->signalResourceExtractFailed.connect(
+        [post](const SimulatedInputSourceMgr::ResourcePtr& resource,
+               const quandel::resource::STResouceExtracted& report) {
+            post(QStringLiteral("%1: %2.").arg(QString::fromStdString(resource->getName()),
+                                               QString::fromStdString(report.errorText)),
+                 quandel::msgcenter::STMessage::Warning);
+        }));
+    managerEvents.emplace_back(manager->signalResourceRenamed.connect(
+        [post](const vexa::STResourceRenamedModel& model, bool&) {
+            if (model.flag != 0) {
+                post(QStringLiteral("The name is taken; the source keeps \"%1\".")
+                         .arg(QString::fromStdString(model.name)),
+                     quandel::msgcenter::STMessage::Notice);
+                return;
+            }
+            post(QStringLiteral("Renamed to \"%1\".").arg(QString::fromStdString(model.name)),
+                 quandel::msgcenter::STMessage::Info);
+        }));
+    managerEvents.emplace_back(
+        manager->signalResourcesDeleted.connect([post](const std::vector<uint64_t>& ids) {
+            post(QStringLiteral("Deleted %1 source(s).").arg(ids.size()),
+                 quandel::msgcenter::STMessage::Info);
+        }));
 }
 
 void DemoWindow::Impl::retranslate()
 {
-    int number = 1;
-    for (const Tile& tile : tiles) {
-        tile.label->setText(QStringLiteral("%1 %2").arg(text(tile.key)).arg(number++));
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+        const Category& category = categories[i];
+        boxes[i]->setTitle(category.titleKey != nullptr ? text(category.titleKey)
+                                                        : QLatin1String(category.fixedTitle));
+        boxes[i]->translateLanguage();
     }
-    askButton->setText(text("Delete"));
+    // New streams are named in the operator's language.
+    runtime.post(
+        [weak = std::weak_ptr<SimulatedInputSourceMgr>(manager),
+         word = text("Streaming").toStdString()] {
+            if (const auto mgr = weak.lock()) {
+                mgr->setStreamingText(word);
+            }
+        },
+        __FILE__, __LINE__, "DemoWindow::retranslate");
 }
 
-void DemoWindow::Impl::postBurst(int count)
+void DemoWindow::Impl::addSource(EnResourceType type)
 {
-    if (!runtime.checkCall(__FILE__, __LINE__, "postBurst")) {
-        runtimeState->setText(QStringLiteral("The gate is closed: nothing was posted."));
+    if (!runtime.checkCall(__FILE__, __LINE__, "DemoWindow::addSource")) {
         return;
     }
-    auto done = std::make_shared<std::atomic<int>>(0);
-    auto clock = std::make_shared<QElapsedTimer>();
-    clock->start();
-    QPointer<QLabel> label = runtimeState;
-    for (int i = 0; i < count; ++i) {
-        runtime.post(
-            [this, done, clock, count, label] {
-                if (done->fetch_add(1) + 1 != count) {
-                    return;
-                }
-                const QString report =
-                    QStringLiteral("%1 tasks ran in order on runtime thread %2 in %3 ms.")
-                        .arg(count)
-                        .arg(threadName(std::this_thread::get_id()))
-                        .arg(clock->elapsed());
-                QMetaObject::invokeMethod(q, [label, report] {
-                    if (label) {
-                        label->setText(report);
-                    }
-                });
-            },
-            __FILE__, __LINE__, "postBurst");
-    }
+    runtime.post(
+        [weak = std::weak_ptr<SimulatedInputSourceMgr>(manager), type] {
+            if (const auto mgr = weak.lock()) {
+                mgr->addInputSources({mgr->makeRecord(quandel::resource::toCode(type))});
+            }
+        },
+        __FILE__, __LINE__, "DemoWindow::addSource");
 }
 
-void DemoWindow::Impl::askQuestion()
+void DemoWindow::Impl::refreshStatus()
 {
-    vexa::widgets::TipDialog tip(vexa::widgets::TipDialog::Warning, q);
-    tip.setTipText(text("DeleteText"));
-    tip.setBtnText(text("OK"), text("Cancel"), QString());
-    const auto [result, checked] = tip.run();
-    Q_UNUSED(checked)
-    messageCentre.postMessage(
-        {QStringLiteral("The question was answered with code %1.").arg(result),
-         quandel::msgcenter::STMessage::Info,
-         3000,
-         {}});
+    const uint64_t frames = manager->deliveredFrames();
+    const double perSecond =
+        static_cast<double>(frames - framesAtLastStatus) * 1000.0 / statusIntervalMs;
+    framesAtLastStatus = frames;
+    status->setText(QStringLiteral("%1 sources  ·  %2 previewed  ·  %3 frames/s")
+                        .arg(manager->getResources().size())
+                        .arg(manager->previewedIds().size())
+                        .arg(perSecond, 0, 'f', 0));
 }
 
 void DemoWindow::Impl::addMessage(quint64 id)
@@ -341,10 +373,23 @@ DemoWindow::DemoWindow(QWidget* parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(d->buildToolbar());
-    layout->addWidget(d->buildSources(), 3);
-    layout->addWidget(d->buildMessages(), 2);
+    auto* body = new QHBoxLayout;
+    body->setContentsMargins(0, 0, 0, 0);
+    body->setSpacing(0);
+    body->addWidget(d->buildPanel(), 3);
+    body->addWidget(d->buildMessages(), 1);
+    layout->addLayout(body, 1);
     setCentralWidget(central);
+
+    d->reportManagerEvents();
+    d->bindBoxes();
     d->retranslate();
+    d->manager->seedDemoSources();
+
+    auto* statusTimer = new QTimer(this);
+    connect(statusTimer, &QTimer::timeout, this, [this] { d->refreshStatus(); });
+    statusTimer->start(statusIntervalMs);
+    d->refreshStatus();
 
     statusBar()->showMessage(
         QStringLiteral("vexainputsourcewidget %1   |   window capture (WGC) %2")
@@ -357,8 +402,32 @@ DemoWindow::DemoWindow(QWidget* parent)
 
 DemoWindow::~DemoWindow()
 {
-    // Tasks still queued reach into this window; drop them before its members go.
+    // The frame thread stops reaching into the boxes, the boxes stop listening, the manager's
+    // threads end, and only then the runtime: nothing is left to post to it.
+    d->managerEvents.clear();
+    d->manager->setFrameSink({});
+    for (InputSourceBox* box : d->boxes) {
+        box->unsetInputSourceMgr();
+    }
+    d->manager->shutdown();
     d->runtime.stop(quandel::ZQRuntime::StopMode::DiscardQueued);
+    // The boxes hold raw pointers to the runtime and the message centre, which go with d.
+    delete takeCentralWidget();
+}
+
+std::vector<InputSourceBox*> DemoWindow::boxes() const
+{
+    return d->boxes;
+}
+
+std::shared_ptr<SimulatedInputSourceMgr> DemoWindow::manager() const
+{
+    return d->manager;
+}
+
+quandel::ZQRuntime& DemoWindow::runtime() const
+{
+    return d->runtime;
 }
 
 } // namespace demohost

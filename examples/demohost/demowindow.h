@@ -3,17 +3,43 @@
 #include <QMainWindow>
 
 #include <memory>
+#include <vector>
+
+namespace quandel {
+class ZQRuntime;
+} // namespace quandel
+
+namespace vexa::inputsource {
+class InputSourceBox;
+} // namespace vexa::inputsource
 
 namespace demohost {
 
-/// The demo host's main window: what the host platform modules do, live. GUI thread only.
+class SimulatedInputSourceMgr;
+
+/// The demo host's main window: the input sources panel (one box per kind of source: capture
+/// cards, network streams, NDI senders, web pages) bound to a simulated manager on a real
+/// runtime thread, the message centre beside it, and a language chooser.
+///
+/// GUI thread only. The window owns the runtime, the manager and the boxes; its destructor
+/// unbinds the boxes, stops the manager's threads and then the runtime.
 class DemoWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
+    /// Builds the window, binds every box and seeds the manager with demo sources.
     explicit DemoWindow(QWidget* parent = nullptr);
     ~DemoWindow() override;
+
+    /// The boxes, top to bottom: capture cards, network streams, NDI senders, web pages.
+    std::vector<vexa::inputsource::InputSourceBox*> boxes() const;
+
+    /// The simulated manager behind the boxes.
+    std::shared_ptr<SimulatedInputSourceMgr> manager() const;
+
+    /// The runtime whose thread runs the manager.
+    quandel::ZQRuntime& runtime() const;
 
 private:
     struct Impl;

@@ -1,4 +1,5 @@
 #include "demowindow.h"
+#include "themeloader.h"
 
 #include <vexa/widgets/style.h>
 
@@ -25,10 +26,11 @@ int main(int argc, char** argv)
     parser.addOption(screenshot);
     parser.addOption(quitAfter);
     parser.process(app);
-    app.setStyleSheet(vexa::widgets::defaultStyleSheet());
+    app.setStyleSheet(vexa::widgets::defaultStyleSheet() +
+                      demohost::ThemeLoader::styleSheet(demohost::ThemeLoader::themesDir()));
 
     demohost::DemoWindow window;
-    window.resize(1000, 720);
+    window.resize(1100, 760);
     window.show();
 
     if (parser.isSet(screenshot)) {

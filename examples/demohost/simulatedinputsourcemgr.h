@@ -1,0 +1,113 @@
+#pragma once
+
+#include <vexainputsourcewidget/iinputsourcemgr.h>
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quandel {
+class IZQRuntime;
+} // namespace quandel
+
+namespace zq::mediacore {
+class IFrame;
+} // namespace zq::mediacore
+
+namespace demohost {
+
+/// A manager of input sources that behaves like a host's, with simulated devices: sources are
+/// resources with a media description, they are "extracted" (thumbnail, resolution, frame
+/// rate) a moment after they were added and then go online, their running time ticks every
+/// second, and every previewed online source delivers an animated picture at 25 frames per
+/// second to a frame sink.
+///
+/// Threads: the requests of IInputSourceMgr run on the runtime thread and fire their
+/// notifications there before they return; what the devices report later (extraction, online,
+/// running time, NDI senders) is posted to the runtime by a timer thread and fired there too. A
+/// request made on another thread keeps the same order but fires from the runtime a moment
+/// later. The queries getResources(), getResourceById(), generateStreamingName(),
+/// isNameRepeated() and refreshCaptureDevices(), and every member below, may be called on any
+/// thread: one std::mutex guards the sources. Frames come from a thread of the manager's own.
+///
+/// Ownership: held by std::shared_ptr (the panel takes a std::weak_ptr of it anyway); tasks the
+/// manager posts to the runtime hold only a weak reference, so a task that runs after the
+/// manager is gone does nothing. The runtime is not owned; call shutdown() before it stops.
+class SimulatedInputSourceMgr : public vexa::inputsource::IInputSourceMgr,
+                                public std::enable_shared_from_this<SimulatedInputSourceMgr>
+{
+public:
+    /// Receives every frame of a previewed online source, on the frame thread. The frame is
+    /// valid for the duration of the call only.
+    using FrameSink = std::function<void(uint64_t id, const zq::mediacore::IFrame* frame)>;
+
+    /// Width and height of the frames the sources deliver.
+    static constexpr int frameWidth = 480;
+    static constexpr int frameHeight = 270;
+
+    /// A manager with no sources whose notifications fire on `runtime`'s thread (not owned).
+    /// Starts the timer and frame threads.
+    explicit SimulatedInputSourceMgr(quandel::IZQRuntime* runtime);
+
+    /// Calls shutdown().
+    ~SimulatedInputSourceMgr() override;
+
+    void addInputSources(const std::vector<vexa::inputsource::STInputSource>& sources) override;
+    void deleteInputSources(const std::vector<uint64_t>& ids) override;
+    void previewInputSources(const std::vector<vexa::inputsource::STInputSource>& sources,
+                             bool enable) override;
+    std::vector<ResourcePtr> getResources() override;
+    void setStreamingText(const std::string& text) override;
+    std::string generateStreamingName() override;
+    ResourcePtr getResourceById(uint64_t id) override;
+    bool renameInputSource(const vexa::STResourceRenamedModel& model) override;
+    void renameNdiReceiver(const vexa::STResourceRenamedModel& model) override;
+    void refreshNdiSources() override;
+    bool isNameRepeated(const std::string& name) override;
+    void webOperation(const vexa::inputsource::STWebOperation& operation) override;
+    void changeCaptResolution(const vexa::inputsource::STInputSource& source) override;
+    void refreshCaptureDevices() override;
+
+    /// Replaces the frame sink; an empty function stops delivery. Once this returns, the
+    /// previous sink is no longer called, so its owner may go.
+    void setFrameSink(FrameSink sink);
+
+    /// Posts the creation of a few sources of every kind to the runtime: capture cards with
+    /// several capture formats, network streams (one of them unreachable, so it stays
+    /// offline), NDI senders and web pages. One source of each kind starts previewed.
+    void seedDemoSources();
+
+    /// A new record of kind `type` (7, 8, 9 or 13) with a free name and a made-up address, as
+    /// an operator's "add" would give it.
+    vexa::inputsource::STInputSource makeRecord(int32_t type);
+
+    /// True while source `id` is in use, which for this host means previewed.
+    bool isInUse(uint64_t id) const;
+
+    /// The ids of the previewed sources, in ascending order.
+    std::vector<uint64_t> previewedIds() const;
+
+    /// True while source `id` is online.
+    bool isOnline(uint64_t id) const;
+
+    /// Frames handed to the sink so far for source `id` (0 once it is deleted), or for every
+    /// source, deleted ones included, with no id.
+    uint64_t deliveredFrames(uint64_t id) const;
+    uint64_t deliveredFrames() const;
+
+    /// How long after being added a source reports its media description (300 ms at first).
+    void setExtractionDelay(std::chrono::milliseconds delay);
+
+    /// Stops the frame and timer threads and makes every notification still queued a no-op.
+    /// Must come before the runtime stops. Idempotent; not from the frame sink.
+    void shutdown();
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> const d;
+};
+
+} // namespace demohost
