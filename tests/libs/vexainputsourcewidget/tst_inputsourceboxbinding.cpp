@@ -109,6 +109,7 @@ private Q_SLOTS:
 
     void onlineStatusOfOtherTypesIsIgnored();
     void unknownIdsWarnOrAreSkipped();
+    void otherKindsSourcesAreNotThisBoxsBusiness();
     void extractedMetaUpdatesTheTile();
     void resolutionUpdateShowsSizeAndRate();
     void captResolutionUpdateSelectsTheFormat();
@@ -462,6 +463,48 @@ void TestInputSourceBoxBinding::unknownIdsWarnOrAreSkipped()
     QCOMPARE(static_cast<int>(ownWarnings(recorder).size()), 4);
     QCOMPARE(bound.box.itemCount(), 1);
     QVERIFY(!isOnline(*bound.tile(1)));
+}
+
+void TestInputSourceBoxBinding::otherKindsSourcesAreNotThisBoxsBusiness()
+{
+    BoundBox bound;
+    bound.addOwn({1});
+    auto web = makeSource(50, EnResourceType::WebPage);
+    bound.known.push_back(web);
+    bound.mgr->setResources(bound.known);
+    WarningRecorder recorder;
+    bound.mgr->fireOnRuntime([&web](auto& mgr) {
+        mgr.signalResourceExtracted(web, {50, true, {}});
+        vexa::STResourceRenamedModel renamed;
+        renamed.id = 50;
+        renamed.name = "Web 50";
+        bool flag = false;
+        mgr.signalResourceRenamed(renamed, flag);
+        STInputSource declared;
+        declared.id = 51;
+        declared.sourceType = 7;
+        mgr.signalResolutionUpdated(declared);
+        STInputSource looked;
+        looked.id = 50;
+        mgr.signalResolutionUpdated(looked);
+    });
+    BoundBox::settle();
+    QVERIFY(ownWarnings(recorder).empty());
+
+    // A record declaring the box's own kind still reaches it.
+    bound.mgr->fireOnRuntime([](auto& mgr) {
+        STInputSource own;
+        own.id = 1;
+        own.sourceType = 13;
+        own.resolutionWidth = 640;
+        own.resolutionHeight = 360;
+        own.frameRate = 25;
+        mgr.signalOnlineStatusChanged({{1, true}}, 13);
+        mgr.signalResolutionUpdated(own);
+    });
+    BoundBox::settle();
+    QCOMPARE(bound.tile(1)->findChild<QLabel*>(QStringLiteral("infoLabel"))->text(),
+             QStringLiteral("640*360@25fps"));
 }
 
 void TestInputSourceBoxBinding::extractedMetaUpdatesTheTile()
