@@ -58,6 +58,20 @@ uint64_t idOf(const DemoWindow& window, const std::string& name)
     return 0;
 }
 
+// The tile of the source called `name` in the box of `kind`, once it is there; null when it does
+// not turn up in time.
+InputSourceItem* tileOf(const DemoWindow& window, int kind, const std::string& name)
+{
+    InputSourceItem* tile = nullptr;
+    const bool found = QTest::qWaitFor(
+        [&] {
+            tile = boxOf(window, kind)->findItem(idOf(window, name));
+            return tile != nullptr;
+        },
+        patienceMs);
+    return found ? tile : nullptr;
+}
+
 QString titleOf(InputSourceBox* box)
 {
     return box->findChild<QLabel*>(QStringLiteral("boxTitleLabel"))->text();
@@ -190,9 +204,8 @@ void TestDemoWindow::renamingInTheTileRenamesTheSource()
     const auto window = openWindow();
     QVERIFY(window != nullptr);
     const uint64_t id = idOf(*window, "Stage Cam");
-    InputSourceItem* tile = nullptr;
-    QTRY_VERIFY_WITH_TIMEOUT((tile = boxOf(*window, streamKind)->findItem(id)) != nullptr,
-                             patienceMs);
+    InputSourceItem* const tile = tileOf(*window, streamKind, "Stage Cam");
+    QVERIFY(tile != nullptr);
 
     rename(tile, QStringLiteral("Main Stage"));
     QTRY_COMPARE_WITH_TIMEOUT(window->manager()->getResourceById(id)->getName(),
@@ -207,9 +220,8 @@ void TestDemoWindow::renamingToATakenNameKeepsTheOldName()
     const auto window = openWindow();
     QVERIFY(window != nullptr);
     const uint64_t id = idOf(*window, "Stage Cam");
-    InputSourceItem* tile = nullptr;
-    QTRY_VERIFY_WITH_TIMEOUT((tile = boxOf(*window, streamKind)->findItem(id)) != nullptr,
-                             patienceMs);
+    InputSourceItem* const tile = tileOf(*window, streamKind, "Stage Cam");
+    QVERIFY(tile != nullptr);
 
     vexa::testing::ModalAnswerer answerer;
     answerer.setTimeout(patienceMs);
@@ -228,9 +240,8 @@ void TestDemoWindow::thePreviewButtonStartsLivePictures()
     const auto window = openWindow();
     QVERIFY(window != nullptr);
     const uint64_t id = idOf(*window, "Stage Cam");
-    InputSourceItem* tile = nullptr;
-    QTRY_VERIFY_WITH_TIMEOUT((tile = boxOf(*window, streamKind)->findItem(id)) != nullptr,
-                             patienceMs);
+    InputSourceItem* const tile = tileOf(*window, streamKind, "Stage Cam");
+    QVERIFY(tile != nullptr);
     QTRY_VERIFY_WITH_TIMEOUT(tile->isOnline(), patienceMs);
     QVERIFY(tile->isPreviewChecked());
     QVERIFY(!window->manager()->isInUse(id));
@@ -261,8 +272,8 @@ void TestDemoWindow::deletingASourceInUseAfterConfirmation()
     QVERIFY(window != nullptr);
     const uint64_t id = idOf(*window, "Studio Feed");
     InputSourceBox* const streams = boxOf(*window, streamKind);
-    InputSourceItem* tile = nullptr;
-    QTRY_VERIFY_WITH_TIMEOUT((tile = streams->findItem(id)) != nullptr, patienceMs);
+    InputSourceItem* const tile = tileOf(*window, streamKind, "Studio Feed");
+    QVERIFY(tile != nullptr);
     QVERIFY(window->manager()->isInUse(id));
 
     QTest::mouseClick(tile, Qt::LeftButton, Qt::NoModifier, QPoint(tile->width() / 2, 40));
@@ -286,8 +297,8 @@ void TestDemoWindow::aCancelledDeleteKeepsTheSource()
     QVERIFY(window != nullptr);
     const uint64_t id = idOf(*window, "CAM-NORTH");
     InputSourceBox* const senders = boxOf(*window, ndiKind);
-    InputSourceItem* tile = nullptr;
-    QTRY_VERIFY_WITH_TIMEOUT((tile = senders->findItem(id)) != nullptr, patienceMs);
+    InputSourceItem* const tile = tileOf(*window, ndiKind, "CAM-NORTH");
+    QVERIFY(tile != nullptr);
     QVERIFY(window->manager()->isInUse(id));
 
     QTest::mouseClick(tile, Qt::LeftButton, Qt::NoModifier, QPoint(tile->width() / 2, 40));
