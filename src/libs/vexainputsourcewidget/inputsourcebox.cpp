@@ -31,7 +31,10 @@
 #include <QVariant>
 
 #include <algorithm>
+#include <deque>
 #include <exception>
+#include <functional>
+#include <limits>
 #include <map>
 #include <optional>
 #include <type_traits>
@@ -54,6 +57,7 @@ constexpr int iconSide = 20;
 constexpr int tileSpacing = 8;
 constexpr int sideMargin = 8;
 constexpr int previewLockOutMs = 500;
+constexpr std::size_t itemsPerBatch = 64;
 
 // A notice or a question to the operator; true when the first (confirming) button was pressed.
 bool askOperator(vexa::widgets::TipDialog::EnumTipType type, const QString& text,
@@ -79,16 +83,24 @@ QString resolutionDescription(const quandel::CaptResolutionsInfo& info)
         .arg(QString::fromStdString(info.text));
 }
 
-std::map<uint64_t, int> onlineTimes(const QVariant& wrapped)
+// The queued variant holds the map itself; it is read where it lies rather than copied, since
+// a copy of thousands of nodes would cost more than applying them. Anything else is converted.
+void forEachOnlineTime(const QVariant& wrapped, const std::function<void(uint64_t, int)>& apply)
 {
-    if (wrapped.userType() == qMetaTypeId<std::map<uint64_t, int>>()) {
-        return wrapped.value<std::map<uint64_t, int>>();
+    using Times = std::map<uint64_t, int>;
+    const auto visit = [&apply](const Times& times) {
+        for (const auto& [id, seconds] : times) {
+            apply(id, seconds);
+        }
+    };
+    if (wrapped.userType() == qMetaTypeId<Times>()) {
+        visit(*static_cast<const Times*>(wrapped.constData()));
+        return;
     }
     QVariant converted = wrapped;
-    if (!converted.convert(qMetaTypeId<std::map<uint64_t, int>>())) {
-        return {};
+    if (converted.convert(qMetaTypeId<Times>())) {
+        visit(*static_cast<const Times*>(converted.constData()));
     }
-    return converted.value<std::map<uint64_t, int>>();
 }
 
 } // namespace
@@ -116,6 +128,9 @@ public:
     std::vector<InputSourceItem*> items() const;
     bool isInUse(uint64_t id) const;
     bool isCaptureBox() const;
+    // Makes the tiles of `limit` sources still to be made, all of them by default.
+    void buildItems(std::size_t limit = std::numeric_limits<std::size_t>::max());
+    void buildNextItems();
     static void setStyleProperty(QWidget* widget, const char* property, const QVariant& value);
 
     InputSourceBox* const owner;
@@ -137,6 +152,14 @@ public:
     TileIndex index;
     std::shared_ptr<ManagerRelay> relay;
     std::vector<sigslot::connection> connections;
+    // Sources whose tiles are still to be made (see addItem()).
+    struct UnbuiltItem
+    {
+        uint64_t id;
+        std::shared_ptr<IResource> resource;
+        std::shared_ptr<zq::mediacore::IMeta> meta;
+    };
+    std::deque<UnbuiltItem> unbuilt;
 
 public Q_SLOTS:
     void slotTitleToggled(bool isChecked);
@@ -152,7 +175,9 @@ public Q_SLOTS:
     MetaQueryResult slotGetInputSourceMeta(uint64_t id);
     void slotItemEdit(uint64_t id);
 
-    // Manager notifications, queued by name from the runtime thread.
+    // Manager notifications, queued by name from the runtime thread. Each reaction that looks
+    // for tiles first makes those still to be made (buildItems()), so that the manager's order
+    // holds.
     void addItem(uint64_t id, std::shared_ptr<IResource> resource);
     void updateItem(uint64_t id, std::shared_ptr<zq::mediacore::IMeta> meta);
     void updateItemOnlineStatus(uint64_t id, bool isOnline);
@@ -421,6 +446,7 @@ void InputSourceBox::Impl::slotTitleToggled(bool isChecked)
 
 void InputSourceBox::Impl::slotPreviewClicked(bool isChecked)
 {
+    buildItems();
     previewButton->setEnabled(false);
     QTimer::singleShot(previewLockOutMs, previewButton,
                        [button = previewButton] { button->setEnabled(true); });
@@ -586,14 +612,45 @@ void InputSourceBox::Impl::slotItemEdit(uint64_t id)
 
 void InputSourceBox::Impl::addItem(uint64_t id, std::shared_ptr<IResource> resource)
 {
-    const std::shared_ptr<zq::mediacore::IMeta> meta =
+    std::shared_ptr<zq::mediacore::IMeta> meta =
         resource == nullptr ? nullptr : resource->getMeta();
     if (meta == nullptr || meta->getResourceType() != resourceType) {
         return;
     }
-    InputSourceItem* const item = createItem(id, *resource, *meta);
-    flowLayout->addWidget(item);
-    index.add(id, item);
+    // A notification of N sources arrives as N queued calls. Tiles are made once the last of
+    // them was taken from the queue, a batch at a time with the event loop running between
+    // batches: Qt scans the whole queue for some of the events it posts, and making a tile posts
+    // several, so making them all at once in a long queue costs N times N. The panel also stays
+    // responsive while thousands of tiles arrive.
+    unbuilt.push_back({id, std::move(resource), std::move(meta)});
+    if (unbuilt.size() == 1) {
+        QMetaObject::invokeMethod(this, &Impl::buildNextItems, Qt::QueuedConnection);
+    }
+}
+
+void InputSourceBox::Impl::buildNextItems()
+{
+    buildItems(itemsPerBatch);
+    if (!unbuilt.empty()) {
+        QMetaObject::invokeMethod(this, &Impl::buildNextItems, Qt::QueuedConnection);
+    }
+}
+
+void InputSourceBox::Impl::buildItems(std::size_t limit)
+{
+    if (unbuilt.empty()) {
+        return;
+    }
+    // Tiles put into a hidden area are not shown one by one, each showing making the flow
+    // layout place every tile again; showing the area shows and places them all at once.
+    itemArea->hide();
+    for (std::size_t built = 0; built < limit && !unbuilt.empty(); ++built) {
+        const UnbuiltItem next = std::move(unbuilt.front());
+        unbuilt.pop_front();
+        InputSourceItem* const item = createItem(next.id, *next.resource, *next.meta);
+        flowLayout->addWidget(item);
+        index.add(next.id, item);
+    }
     titleButton->setChecked(true);
     itemArea->show();
     itemArea->adjustSize();
@@ -601,6 +658,7 @@ void InputSourceBox::Impl::addItem(uint64_t id, std::shared_ptr<IResource> resou
 
 void InputSourceBox::Impl::updateItem(uint64_t id, std::shared_ptr<zq::mediacore::IMeta> meta)
 {
+    buildItems();
     InputSourceItem* const item = index.find(id);
     if (item == nullptr) {
         VEXA_WARNING("nullptr == inputSourceItem");
@@ -623,6 +681,7 @@ void InputSourceBox::Impl::updateItem(uint64_t id, std::shared_ptr<zq::mediacore
 
 void InputSourceBox::Impl::updateItemOnlineStatus(uint64_t id, bool isOnline)
 {
+    buildItems();
     InputSourceItem* const item = index.find(id);
     if (item == nullptr) {
         VEXA_WARNING("updateItemOnlineStatus nullptr == inputSourceItem");
@@ -633,6 +692,7 @@ void InputSourceBox::Impl::updateItemOnlineStatus(uint64_t id, bool isOnline)
 
 void InputSourceBox::Impl::deleteItems(const std::vector<uint64_t>& ids)
 {
+    buildItems();
     for (const uint64_t id : ids) {
         deleteItem(id);
     }
@@ -640,6 +700,7 @@ void InputSourceBox::Impl::deleteItems(const std::vector<uint64_t>& ids)
 
 void InputSourceBox::Impl::clearItems()
 {
+    buildItems();
     for (int position = flowLayout->count() - 1; position >= 0; --position) {
         if (auto* const item =
                 qobject_cast<InputSourceItem*>(flowLayout->itemAt(position)->widget())) {
@@ -650,6 +711,7 @@ void InputSourceBox::Impl::clearItems()
 
 void InputSourceBox::Impl::renameItem(const STResourceRenamedModel& model)
 {
+    buildItems();
     InputSourceItem* const item = index.find(model.id);
     if (item == nullptr) {
         VEXA_WARNING("nullptr == inputSourceItem");
@@ -667,6 +729,7 @@ void InputSourceBox::Impl::renameItem(const STResourceRenamedModel& model)
 
 void InputSourceBox::Impl::resolutionUpdated(const STInputSource& info)
 {
+    buildItems();
     InputSourceItem* const item = index.find(info.id);
     if (item == nullptr) {
         VEXA_WARNING("nullptr == inputSourceItem");
@@ -679,6 +742,7 @@ void InputSourceBox::Impl::resolutionUpdated(const STInputSource& info)
 
 void InputSourceBox::Impl::captResolutionUpdated(const STInputSource& info)
 {
+    buildItems();
     InputSourceItem* const item = index.find(info.id);
     if (item != nullptr && !info.captResolutions.empty()) {
         item->setCurrentCaptResolution(info.captResolutions.front());
@@ -700,6 +764,7 @@ void InputSourceBox::Impl::resolutionError(const quandel::CaptResolutionsInfo& i
 
 void InputSourceBox::Impl::urlUpdated(const STInputSource& info)
 {
+    buildItems();
     if (InputSourceItem* const item = index.find(info.id)) {
         item->setUrl(QString::fromStdString(info.address));
     }
@@ -707,6 +772,7 @@ void InputSourceBox::Impl::urlUpdated(const STInputSource& info)
 
 void InputSourceBox::Impl::previewedItems(const std::vector<STInputSource>& infos)
 {
+    buildItems();
     for (const STInputSource& info : infos) {
         if (InputSourceItem* const item = index.find(info.id)) {
             item->setPreviewChecked(!info.preview);
@@ -716,11 +782,12 @@ void InputSourceBox::Impl::previewedItems(const std::vector<STInputSource>& info
 
 void InputSourceBox::Impl::onlineTimeUpdateUi(const QVariant& times)
 {
-    for (const auto& [id, seconds] : onlineTimes(times)) {
+    buildItems();
+    forEachOnlineTime(times, [this](uint64_t id, int seconds) {
         if (InputSourceItem* const item = index.find(id)) {
             item->setRunningSeconds(seconds);
         }
-    }
+    });
 }
 
 InputSourceBox::InputSourceBox(QWidget* parent)
@@ -843,16 +910,19 @@ void InputSourceBox::unsetInputSourceMgr()
 
 InputSourceItem* InputSourceBox::findItem(uint64_t id)
 {
+    d->buildItems();
     return d->index.find(id);
 }
 
 int InputSourceBox::itemCount() const
 {
+    d->buildItems();
     return static_cast<int>(d->items().size());
 }
 
 void InputSourceBox::clearItem(bool force)
 {
+    d->buildItems();
     std::shared_ptr<IInputSourceMgr> mgr = d->inputSourceMgr.lock();
     if (mgr == nullptr) {
         VEXA_WARNING("nullptr == inputSourceMgr");
@@ -876,6 +946,7 @@ std::vector<uint64_t> InputSourceBox::selectedIds() const
 
 void InputSourceBox::clearItemSelect()
 {
+    d->buildItems();
     d->selection.clear();
     for (InputSourceItem* const item : d->items()) {
         item->clearSelect();
@@ -884,6 +955,7 @@ void InputSourceBox::clearItemSelect()
 
 void InputSourceBox::translateLanguage()
 {
+    d->buildItems();
     d->addButton->setToolTip(trKey("Add"));
     d->previewButton->setToolTip(
         trKey(d->previewButton->isChecked() ? "EnablePreview" : "DisablePreview"));

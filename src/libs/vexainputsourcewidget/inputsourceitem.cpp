@@ -180,7 +180,7 @@ public:
     vexa::widgets::ComboBox* resolutionBox = nullptr;
     QWidget* cover = nullptr;
     QLabel* loadingLabel = nullptr;
-    std::shared_ptr<DiplayWind> surface;
+    DiplayWind* surface = nullptr;
     QLabel* stateDot = nullptr;
     vexa::widgets::PushButton* previewButton = nullptr;
     QLabel* duration = nullptr;
@@ -307,7 +307,7 @@ void InputSourceItem::Impl::buildLayout()
     coverLayout->addWidget(loadingLabel, 0, Qt::AlignCenter);
     cover->hide();
 
-    surface = std::make_shared<DiplayWind>(owner);
+    surface = new DiplayWind(owner);
     surface->setGeometry(1, 1, thumbnailWidth, thumbnailHeight);
     surface->hide();
 
@@ -585,13 +585,7 @@ InputSourceItem::InputSourceItem(int kind, QWidget* parent)
     registerMetaTypes();
 }
 
-InputSourceItem::~InputSourceItem()
-{
-    // The surface lives in make_shared memory, which QWidget's plain delete of its children must
-    // never free. Detached here, it goes with the last shared pointer, on this thread, even if
-    // someone still shares it when the QWidget part of this tile tears down its children.
-    d->surface->setParent(nullptr);
-}
+InputSourceItem::~InputSourceItem() = default;
 
 void InputSourceItem::setId(uint64_t id)
 {

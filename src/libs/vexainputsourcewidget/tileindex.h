@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory_resource>
 #include <mutex>
 #include <shared_mutex>
 #include <unordered_map>
@@ -51,15 +52,18 @@ public:
 private:
     std::unique_lock<std::shared_mutex> lockForWriting();
 
-    using Tiles = std::vector<InputSourceItem*>;
+    using Tiles = std::pmr::vector<InputSourceItem*>;
 
     mutable std::shared_mutex m_lock;
     // glibc's rwlock lets new readers in while a writer waits, so frame threads taking turns at
     // the shared lock could keep the GUI thread out for as long as frames flow. The writer
     // announces itself and readers hold back until it is through.
     std::atomic<bool> m_writerWaiting{false};
+    // The entries come from a pool of their own rather than from between the tiles' much larger
+    // allocations, so that a walk over thousands of ids stays within few pages.
+    std::pmr::unsynchronized_pool_resource m_pool;
     // Several tiles may share an id; each vector keeps them in the order they were added.
-    std::unordered_map<uint64_t, Tiles> m_tiles;
+    std::pmr::unordered_map<uint64_t, Tiles> m_tiles{&m_pool};
 };
 
 } // namespace vexa::inputsource
