@@ -112,6 +112,7 @@ public:
 
     /// The tile of source `id`; the one added last when several share the id; null when none.
     /// The box owns the tile, which lives until the manager removes its source. Constant time.
+    /// The tiles of a notification appear over the next turns of the event loop.
     InputSourceItem* findItem(uint64_t id);
 
     /// How many tiles the box holds.

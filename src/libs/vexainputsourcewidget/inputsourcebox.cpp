@@ -641,18 +641,27 @@ void InputSourceBox::Impl::buildItems(std::size_t limit)
     if (unbuilt.empty()) {
         return;
     }
-    // Tiles put into a hidden area are not shown one by one, each showing making the flow
-    // layout place every tile again; showing the area shows and places them all at once.
-    itemArea->hide();
+    // A tile shown in a visible area has the flow layout place every tile again. With the
+    // layout switched off while the batch is shown, the tiles are placed once, after it.
+    std::vector<InputSourceItem*> made;
     for (std::size_t built = 0; built < limit && !unbuilt.empty(); ++built) {
         const UnbuiltItem next = std::move(unbuilt.front());
         unbuilt.pop_front();
         InputSourceItem* const item = createItem(next.id, *next.resource, *next.meta);
+        // Hidden on purpose, so that the layout does not queue a show of its own.
+        item->hide();
         flowLayout->addWidget(item);
         index.add(next.id, item);
+        made.push_back(item);
     }
+    flowLayout->setEnabled(false);
+    for (InputSourceItem* const item : made) {
+        item->show();
+    }
+    flowLayout->setEnabled(true);
     titleButton->setChecked(true);
     itemArea->show();
+    flowLayout->activate();
     itemArea->adjustSize();
 }
 
@@ -910,13 +919,11 @@ void InputSourceBox::unsetInputSourceMgr()
 
 InputSourceItem* InputSourceBox::findItem(uint64_t id)
 {
-    d->buildItems();
     return d->index.find(id);
 }
 
 int InputSourceBox::itemCount() const
 {
-    d->buildItems();
     return static_cast<int>(d->items().size());
 }
 
@@ -946,7 +953,6 @@ std::vector<uint64_t> InputSourceBox::selectedIds() const
 
 void InputSourceBox::clearItemSelect()
 {
-    d->buildItems();
     d->selection.clear();
     for (InputSourceItem* const item : d->items()) {
         item->clearSelect();
@@ -955,7 +961,6 @@ void InputSourceBox::clearItemSelect()
 
 void InputSourceBox::translateLanguage()
 {
-    d->buildItems();
     d->addButton->setToolTip(trKey("Add"));
     d->previewButton->setToolTip(
         trKey(d->previewButton->isChecked() ? "EnablePreview" : "DisablePreview"));
