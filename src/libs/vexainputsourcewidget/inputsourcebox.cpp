@@ -103,6 +103,26 @@ void forEachOnlineTime(const QVariant& wrapped, const std::function<void(uint64_
     }
 }
 
+// The media description's still picture, when it has one, becomes the tile's thumbnail.
+void showThumbnail(InputSourceItem& item, const zq::mediacore::IMeta& meta)
+{
+    const zq::mediacore::Thumbnail thumbnail = meta.getThumbnail();
+    if (thumbnail.isValid()) {
+        const QImage image(thumbnail.rgba.data(), thumbnail.width, thumbnail.height,
+                           thumbnail.width * 4, QImage::Format_RGBA8888);
+        item.setThumbnail(QPixmap::fromImage(image));
+    }
+}
+
+// The selection may hold an id more than once; one removal takes away one copy.
+void eraseFirst(std::vector<uint64_t>& ids, uint64_t id)
+{
+    const auto found = std::find(ids.begin(), ids.end(), id);
+    if (found != ids.end()) {
+        ids.erase(found);
+    }
+}
+
 } // namespace
 
 class InputSourceBox::Impl : public QObject
@@ -377,12 +397,7 @@ InputSourceItem* InputSourceBox::Impl::createItem(uint64_t id, const IResource& 
         item->setUrl(QString::fromStdString(meta.getAddress()));
         break;
     }
-    const zq::mediacore::Thumbnail thumbnail = meta.getThumbnail();
-    if (thumbnail.isValid()) {
-        const QImage image(thumbnail.rgba.data(), thumbnail.width, thumbnail.height,
-                           thumbnail.width * 4, QImage::Format_RGBA8888);
-        item->setThumbnail(QPixmap::fromImage(image));
-    }
+    showThumbnail(*item, meta);
     item->translateLanguage();
 
     connect(item, &InputSourceItem::signalSelect, this, &Impl::slotItemSelect);
@@ -422,10 +437,7 @@ void InputSourceBox::Impl::removeItem(InputSourceItem* item)
     if (flowLayout->count() == 0) {
         titleButton->setChecked(false);
     }
-    const auto selected = std::find(selection.begin(), selection.end(), id);
-    if (selected != selection.end()) {
-        selection.erase(selected);
-    }
+    eraseFirst(selection, id);
 }
 
 void InputSourceBox::Impl::deleteItem(uint64_t id)
@@ -507,10 +519,7 @@ void InputSourceBox::Impl::slotBatchSelect(uint64_t id, bool bSelect)
     if (bSelect) {
         selection.push_back(id);
     } else {
-        const auto selected = std::find(selection.begin(), selection.end(), id);
-        if (selected != selection.end()) {
-            selection.erase(selected);
-        }
+        eraseFirst(selection, id);
     }
     Q_EMIT owner->signalItemSelect();
 }
@@ -679,12 +688,7 @@ void InputSourceBox::Impl::updateItem(uint64_t id, std::shared_ptr<zq::mediacore
     }
     item->setResolution(QString::fromStdString(meta->getResolutionText()),
                         QString::number(meta->getFrameRate(), 'f', 2));
-    const zq::mediacore::Thumbnail thumbnail = meta->getThumbnail();
-    if (thumbnail.isValid()) {
-        const QImage image(thumbnail.rgba.data(), thumbnail.width, thumbnail.height,
-                           thumbnail.width * 4, QImage::Format_RGBA8888);
-        item->setThumbnail(QPixmap::fromImage(image));
-    }
+    showThumbnail(*item, *meta);
     item->setDragEnabled(true);
 }
 
