@@ -9,7 +9,7 @@
 #include "support/offscreenplatform.h"
 #include "support/runwithratios.h"
 
-#include "inputsourceitem.h"
+#include <vexainputsourcewidget/inputsourceitem.h>
 
 #include <vexainputsourcewidget/inputsourcebox.h>
 #include <vexainputsourcewidget/testing/fakeinputsourcemgr.h>

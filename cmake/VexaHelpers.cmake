@@ -9,6 +9,7 @@ endfunction()
 #     NAMESPACE <namespace> NAME <exported name>
 #     [HEADER_ONLY]
 #     [EXPORT_HEADER <path of the generated export header, relative to the include root>]
+#     [EXPORT_CUSTOM_CONTENT <text appended to the export header>]
 #     [INCLUDE_DIR <source include root>]          default: <current dir>/include
 #     [INCLUDE_DESTINATION <install include root>] default: vexainputsourcewidget-platform; "." for include/ itself
 #     [SOURCES ...] [PUBLIC_LIBS ...] [PRIVATE_LIBS ...])
@@ -18,7 +19,7 @@ endfunction()
 # same target names as the build tree.
 function(vexa_add_module target)
     cmake_parse_arguments(ARG "HEADER_ONLY"
-        "NAMESPACE;NAME;EXPORT_HEADER;INCLUDE_DIR;INCLUDE_DESTINATION"
+        "NAMESPACE;NAME;EXPORT_HEADER;EXPORT_CUSTOM_CONTENT;INCLUDE_DIR;INCLUDE_DESTINATION"
         "SOURCES;PUBLIC_LIBS;PRIVATE_LIBS" ${ARGN})
     if(NOT ARG_INCLUDE_DIR)
         set(ARG_INCLUDE_DIR "${CMAKE_CURRENT_SOURCE_DIR}/include")
@@ -37,8 +38,10 @@ function(vexa_add_module target)
     else()
         add_library(${target} ${ARG_SOURCES})
         set(generated_include "${CMAKE_CURRENT_BINARY_DIR}/include")
+        set(custom_content "${ARG_EXPORT_CUSTOM_CONTENT}")
         generate_export_header(${target}
-            EXPORT_FILE_NAME "${generated_include}/${ARG_EXPORT_HEADER}")
+            EXPORT_FILE_NAME "${generated_include}/${ARG_EXPORT_HEADER}"
+            CUSTOM_CONTENT_FROM_VARIABLE custom_content)
         target_include_directories(${target} PUBLIC
             $<BUILD_INTERFACE:${ARG_INCLUDE_DIR}>
             $<BUILD_INTERFACE:${generated_include}>

@@ -76,25 +76,25 @@ struct Picture
 struct DiplayWind::Impl
 {
     explicit Impl(DiplayWind* surface)
-        : owner(surface)
+        : q(surface)
     {}
 
     // Called under the picture's lock with the picture alive: the destructor cannot have passed
-    // its first line then, so the owner is safe to name as the request's context. Qt drops the
-    // request if the owner is destroyed before the GUI thread gets to it.
+    // its first line then, so the surface is safe to name as the request's context. Qt drops the
+    // request if the surface is destroyed before the GUI thread gets to it.
     void requestRepaint()
     {
         if (picture->repaintPending.exchange(true)) {
             return;
         }
-        QTimer::singleShot(0, owner, [this] {
+        QTimer::singleShot(0, q, [this] {
             // Cleared before update(), so that a frame copied after this point asks again.
             picture->repaintPending = false;
-            owner->update();
+            q->update();
         });
     }
 
-    DiplayWind* const owner;
+    DiplayWind* const q;
     const std::shared_ptr<Picture> picture = std::make_shared<Picture>();
 };
 

@@ -16,7 +16,7 @@ namespace vexa::inputsource {
 ///
 /// updateFrame() may be called from any thread; everything else, construction and destruction
 /// included, on the GUI thread.
-class VEXAINPUTSOURCEWIDGET_EXPORT DiplayWind : public QWidget
+class VEXAINPUTSOURCEWIDGET_TEST_EXPORT DiplayWind : public QWidget
 {
     Q_OBJECT
 

@@ -1,51 +1,25 @@
-#include <vexainputsourcewidget/inputsourcebox.h>
+#include "inputsourcebox_p.h"
 
-#include "inputsourceitem.h"
 #include "managerrelay.h"
-#include "runonruntime.h"
-#include "tileindex.h"
+#include "modalloop.h"
 #include "trkey.h"
 
-#include <vexainputsourcewidget/inputsourcemetatypes.h>
-
 #include <XJ/Utils/flowlayout.h>
-#include <quandel/msgcenter/imsgcentermgr.h>
-#include <quandel/msgcenter/stmessage.h>
-#include <quandel/resource/iresource.h>
-#include <quandel/runtime/izqruntime.h>
-#include <vexa/diagnostics/warning.h>
 #include <vexa/widgets/pushbutton.h>
 #include <vexa/widgets/style.h>
-#include <vexa/widgets/tipdialog.h>
 #include <zq/mediacore/imeta.h>
 
 #include <QHBoxLayout>
-#include <QImage>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMovie>
-#include <QPixmap>
+#include <QPointer>
 #include <QPushButton>
-#include <QTimer>
 #include <QVBoxLayout>
-#include <QVariant>
 
 #include <algorithm>
-#include <deque>
-#include <exception>
-#include <functional>
-#include <limits>
-#include <map>
-#include <optional>
-#include <type_traits>
-#include <utility>
 
 namespace vexa::inputsource {
-
-// The queued slots below spell their parameter types exactly as the relay names them, so that
-// Qt finds them by name.
-using quandel::resource::IResource;
-using vexa::STResourceRenamedModel;
 
 namespace {
 
@@ -56,63 +30,6 @@ constexpr int headerButtonHeight = 20;
 constexpr int iconSide = 20;
 constexpr int tileSpacing = 8;
 constexpr int sideMargin = 8;
-constexpr int previewLockOutMs = 500;
-constexpr std::size_t itemsPerBatch = 64;
-
-// A notice or a question to the operator; true when the first (confirming) button was pressed.
-bool askOperator(vexa::widgets::TipDialog::EnumTipType type, const QString& text,
-                 const QString& confirm, const QString& cancel)
-{
-    vexa::widgets::TipDialog dialog(type);
-    dialog.setTipText(text);
-    dialog.setBtnText(confirm, cancel, QString());
-    return dialog.run().result == vexa::widgets::TipDialog::FirstButton;
-}
-
-bool confirmDelete(const char* key)
-{
-    return askOperator(vexa::widgets::TipDialog::Warning, trKey(key), trKey("OK"), trKey("Cancel"));
-}
-
-QString resolutionDescription(const quandel::CaptResolutionsInfo& info)
-{
-    return QStringLiteral("%1*%2@%3,%4")
-        .arg(info.width)
-        .arg(info.height)
-        .arg(static_cast<double>(info.frameRate), 0, 'f', 2)
-        .arg(QString::fromStdString(info.text));
-}
-
-// The queued variant holds the map itself; it is read where it lies rather than copied, since
-// a copy of thousands of nodes would cost more than applying them. Anything else is converted.
-void forEachOnlineTime(const QVariant& wrapped, const std::function<void(uint64_t, int)>& apply)
-{
-    using Times = std::map<uint64_t, int>;
-    const auto visit = [&apply](const Times& times) {
-        for (const auto& [id, seconds] : times) {
-            apply(id, seconds);
-        }
-    };
-    if (wrapped.userType() == qMetaTypeId<Times>()) {
-        visit(*static_cast<const Times*>(wrapped.constData()));
-        return;
-    }
-    QVariant converted = wrapped;
-    if (converted.convert(qMetaTypeId<Times>())) {
-        visit(*static_cast<const Times*>(converted.constData()));
-    }
-}
-
-// The media description's still picture, when it has one, becomes the tile's thumbnail.
-void showThumbnail(InputSourceItem& item, const zq::mediacore::IMeta& meta)
-{
-    const zq::mediacore::Thumbnail thumbnail = meta.getThumbnail();
-    if (thumbnail.isValid()) {
-        const QImage image(thumbnail.rgba.data(), thumbnail.width, thumbnail.height,
-                           thumbnail.width * 4, QImage::Format_RGBA8888);
-        item.setThumbnail(QPixmap::fromImage(image));
-    }
-}
 
 // The selection may hold an id more than once; one removal takes away one copy.
 void eraseFirst(std::vector<uint64_t>& ids, uint64_t id)
@@ -125,115 +42,22 @@ void eraseFirst(std::vector<uint64_t>& ids, uint64_t id)
 
 } // namespace
 
-class InputSourceBox::Impl : public QObject
-{
-    Q_OBJECT
-
-public:
-    explicit Impl(InputSourceBox* owner);
-    ~Impl() override;
-
-    void buildFrame();
-    void connectFrame();
-
-    // GUI-thread helpers of the operations below.
-    template <typename Callable>
-    auto request(const char* tag, Callable&& callable);
-    void sendDelete(std::shared_ptr<IInputSourceMgr> mgr, const char* tag,
-                    std::vector<uint64_t> ids);
-    InputSourceItem* createItem(uint64_t id, const IResource& resource,
-                                const zq::mediacore::IMeta& meta);
-    void removeItem(InputSourceItem* item);
-    void deleteItem(uint64_t id);
-    std::vector<InputSourceItem*> items() const;
-    bool isInUse(uint64_t id) const;
-    bool isCaptureBox() const;
-    // Makes the tiles of `limit` sources still to be made, all of them by default.
-    void buildItems(std::size_t limit = std::numeric_limits<std::size_t>::max());
-    void buildNextItems();
-    static void setStyleProperty(QWidget* widget, const char* property, const QVariant& value);
-
-    InputSourceBox* const owner;
-    std::weak_ptr<IInputSourceMgr> inputSourceMgr;
-    quandel::msgcenter::IMsgCenterMgr* msgCenter = nullptr;
-    quandel::IZQRuntime* runtime = nullptr;
-    QWidget* header = nullptr;
-    QPushButton* titleButton = nullptr;
-    QLabel* arrowLabel = nullptr;
-    QLabel* titleLabel = nullptr;
-    vexa::widgets::PushButton* previewButton = nullptr;
-    vexa::widgets::PushButton* addButton = nullptr;
-    QVBoxLayout* boxLayout = nullptr;
-    QWidget* itemArea = nullptr;
-    XJ::Utils::FlowLayout* flowLayout = nullptr;
-    std::vector<uint64_t> selection;
-    EnResourceType resourceType = EnResourceType::Unassigned;
-    QString loadingPath;
-    TileIndex index;
-    std::shared_ptr<ManagerRelay> relay;
-    std::vector<sigslot::connection> connections;
-    // Sources whose tiles are still to be made (see addItem()).
-    struct UnbuiltItem
-    {
-        uint64_t id;
-        std::shared_ptr<IResource> resource;
-        std::shared_ptr<zq::mediacore::IMeta> meta;
-    };
-    std::deque<UnbuiltItem> unbuilt;
-
-public Q_SLOTS:
-    void slotTitleToggled(bool isChecked);
-    void slotPreviewClicked(bool isChecked);
-    void slotItemPreviewChanged(uint64_t id, bool isOpen);
-    void slotItemSelect(uint64_t id);
-    void slotBatchSelect(uint64_t id, bool bSelect);
-    void slotItemDelete(uint64_t id);
-    void slotBatchDelete();
-    void slotItemNameChanged(uint64_t id, const QString& name);
-    bool slotCheckMultiSelect();
-    void slotCaptResolutionChanged(uint64_t id, const quandel::CaptResolutionsInfo& captInfo);
-    MetaQueryResult slotGetInputSourceMeta(uint64_t id);
-    void slotItemEdit(uint64_t id);
-
-    // Manager notifications, queued by name from the runtime thread. Each reaction that looks
-    // for tiles first makes those still to be made (buildItems()), so that the manager's order
-    // holds.
-    void addItem(uint64_t id, std::shared_ptr<IResource> resource);
-    void updateItem(uint64_t id, std::shared_ptr<zq::mediacore::IMeta> meta);
-    void updateItemOnlineStatus(uint64_t id, bool isOnline);
-    void deleteItems(const std::vector<uint64_t>& ids);
-    void clearItems();
-    void renameItem(const STResourceRenamedModel& model);
-    void resolutionUpdated(const STInputSource& info);
-    void captResolutionUpdated(const STInputSource& info);
-    void resolutionError(const quandel::CaptResolutionsInfo& info);
-    void urlUpdated(const STInputSource& info);
-    void previewedItems(const std::vector<STInputSource>& infos);
-    void onlineTimeUpdateUi(const QVariant& times);
-};
-
-InputSourceBox::Impl::Impl(InputSourceBox* owner)
-    : owner(owner)
-    , relay(std::make_shared<ManagerRelay>(this, resourceType))
+InputSourceBox::Impl::Impl(InputSourceBox* q)
+    : q(q)
 {}
 
 InputSourceBox::Impl::~Impl()
 {
-    // Notifications already under way on the runtime thread must not queue to a dead object,
-    // and later ones must not arrive at all.
-    relay->detach();
-    for (sigslot::connection& connection : connections) {
-        connection.disconnect();
-    }
+    unbind();
 }
 
 void InputSourceBox::Impl::buildFrame()
 {
-    owner->setAttribute(Qt::WA_StyledBackground, true);
-    owner->setProperty("style", QStringLiteral("BG3"));
-    owner->setFocusPolicy(Qt::StrongFocus);
+    q->setAttribute(Qt::WA_StyledBackground, true);
+    q->setProperty("style", QStringLiteral("BG3"));
+    q->setFocusPolicy(Qt::StrongFocus);
 
-    header = new QWidget(owner);
+    header = new QWidget(q);
     header->setObjectName(QStringLiteral("boxHeader"));
     header->setFixedHeight(headerHeight);
 
@@ -274,65 +98,24 @@ void InputSourceBox::Impl::buildFrame()
     headerLayout->setContentsMargins(0, 0, 0, 0);
     headerLayout->addWidget(titleButton);
 
-    itemArea = new QWidget(owner);
+    itemArea = new QWidget(q);
     itemArea->setObjectName(QStringLiteral("boxItemArea"));
     flowLayout = new XJ::Utils::FlowLayout(itemArea, 0, tileSpacing, tileSpacing);
     itemArea->hide();
 
-    boxLayout = new QVBoxLayout(owner);
+    boxLayout = new QVBoxLayout(q);
     boxLayout->setSpacing(0);
     boxLayout->setContentsMargins(sideMargin, 0, sideMargin, 0);
     boxLayout->addWidget(header);
     boxLayout->addWidget(itemArea);
-    owner->adjustSize();
+    q->adjustSize();
 }
 
 void InputSourceBox::Impl::connectFrame()
 {
     connect(titleButton, &QPushButton::toggled, this, &Impl::slotTitleToggled);
     connect(previewButton, &QPushButton::clicked, this, &Impl::slotPreviewClicked);
-    connect(addButton, &QPushButton::clicked, owner, &InputSourceBox::signalAddClicked);
-}
-
-template <typename Callable>
-auto InputSourceBox::Impl::request(const char* tag, Callable&& callable)
-{
-    using Result = std::invoke_result_t<std::decay_t<Callable>&>;
-    using Answer = std::optional<std::conditional_t<std::is_void_v<Result>, bool, Result>>;
-    // An empty answer means the runtime refused the call and destroyed it unrun.
-    auto answered = [call = std::forward<Callable>(callable)]() mutable -> Answer {
-        if constexpr (std::is_void_v<Result>) {
-            call();
-            return true;
-        } else {
-            return call();
-        }
-    };
-    // A manager that throws, or a runtime that refuses or drops the call, must not take the
-    // panel down: the operator sees nothing happen and the log says why.
-    try {
-        Answer answer = runOnRuntime(runtime, __FILE__, __LINE__, tag, std::move(answered));
-        if (!answer.has_value()) {
-            if (runtime != nullptr) {
-                VEXA_WARNING(QStringLiteral("%1: refused by the runtime").arg(QLatin1String(tag)));
-            }
-        } else if constexpr (!std::is_void_v<Result>) {
-            return std::move(*answer);
-        }
-    } catch (const std::exception& error) {
-        VEXA_WARNING(QStringLiteral("%1: %2").arg(QLatin1String(tag), QLatin1String(error.what())));
-    } catch (...) {
-        VEXA_WARNING(QStringLiteral("%1: unknown exception").arg(QLatin1String(tag)));
-    }
-    if constexpr (!std::is_void_v<Result>) {
-        return Result();
-    }
-}
-
-void InputSourceBox::Impl::sendDelete(std::shared_ptr<IInputSourceMgr> mgr, const char* tag,
-                                      std::vector<uint64_t> ids)
-{
-    request(tag, [mgr = std::move(mgr), ids = std::move(ids)] { mgr->deleteInputSources(ids); });
+    connect(addButton, &QPushButton::clicked, q, &InputSourceBox::signalAddClicked);
 }
 
 std::vector<InputSourceItem*> InputSourceBox::Impl::items() const
@@ -350,7 +133,7 @@ std::vector<InputSourceItem*> InputSourceBox::Impl::items() const
 
 bool InputSourceBox::Impl::isInUse(uint64_t id) const
 {
-    return owner->signalCheckInputSourceBeUsed(id);
+    return q->signalCheckInputSourceBeUsed(id);
 }
 
 bool InputSourceBox::Impl::isCaptureBox() const
@@ -380,9 +163,9 @@ InputSourceItem* InputSourceBox::Impl::createItem(uint64_t id, const IResource& 
     item->setId(id);
     const std::string name = meta.getName().empty() ? resource.getName() : meta.getName();
     item->setName(QString::fromStdString(name));
+    item->setUrl(QString::fromStdString(meta.getAddress()));
     switch (resourceType) {
     case EnResourceType::LocalCaptureDevice:
-        item->setUrl(QString::fromStdString(meta.getAddress()));
         item->setResolution(QString::fromStdString(meta.getResolutionText()),
                             QString::number(meta.getFrameRate(), 'f', 2));
         item->setResolutionMode(meta.getCaptResolutionMode());
@@ -391,13 +174,11 @@ InputSourceItem* InputSourceBox::Impl::createItem(uint64_t id, const IResource& 
         break;
     case EnResourceType::WebPage:
         item->setWebMode(meta.getWebMode());
-        item->setUrl(QString::fromStdString(meta.getAddress()));
         break;
     default:
-        item->setUrl(QString::fromStdString(meta.getAddress()));
         break;
     }
-    showThumbnail(*item, meta);
+    item->setThumbnail(meta.getThumbnail());
     item->translateLanguage();
 
     connect(item, &InputSourceItem::signalSelect, this, &Impl::slotItemSelect);
@@ -409,13 +190,37 @@ InputSourceItem* InputSourceBox::Impl::createItem(uint64_t id, const IResource& 
     connect(item, &InputSourceItem::signalNameChanged, this, &Impl::slotItemNameChanged);
     connect(item, &InputSourceItem::signalCheckMultiSelect, this, &Impl::slotCheckMultiSelect);
     connect(item, &InputSourceItem::signalEdit, this, &Impl::slotItemEdit);
-    connect(item, &InputSourceItem::signalDoubleClicked, owner,
-            &InputSourceBox::signalDoubleClicked);
+    connect(item, &InputSourceItem::signalDoubleClicked, q, &InputSourceBox::signalDoubleClicked);
     connect(item, &InputSourceItem::signalCaptResolutionChanged, this,
             &Impl::slotCaptResolutionChanged);
     // Only compares the pointer: by the time destroyed() is emitted the tile is half gone.
     connect(item, &QObject::destroyed, this, [this, id, item] { index.remove(id, item); });
     return item;
+}
+
+void InputSourceBox::Impl::appendItem(uint64_t id, InputSourceItem* item)
+{
+    // The tile is in the layout, the index and on screen at once. Only its placement waits:
+    // with the layout switched off until the queued placement, a notification of thousands of
+    // sources is laid out once instead of once per tile.
+    if (!placementPending) {
+        placementPending = true;
+        flowLayout->setEnabled(false);
+        QMetaObject::invokeMethod(this, &Impl::placeNewItems, Qt::QueuedConnection);
+    }
+    flowLayout->addWidget(item);
+    index.add(id, item);
+    titleButton->setChecked(true);
+    itemArea->show();
+    item->show();
+}
+
+void InputSourceBox::Impl::placeNewItems()
+{
+    placementPending = false;
+    flowLayout->setEnabled(true);
+    flowLayout->activate();
+    itemArea->adjustSize();
 }
 
 void InputSourceBox::Impl::removeItem(InputSourceItem* item)
@@ -424,20 +229,22 @@ void InputSourceBox::Impl::removeItem(InputSourceItem* item)
     // Withdrawn at once: out of reach of frame threads and out of the layout.
     index.remove(id, item);
     flowLayout->removeWidget(item);
-    if (item->isInNestedLoop()) {
-        // Its menu or a drag is open, and the manager removed the source meanwhile: the tile's
-        // handler is still on the stack, so it goes once that handler has returned.
-        item->hide();
-        item->disconnect(this);
-        item->disconnect(owner);
-        connect(item, &InputSourceItem::signalNestedLoopsEnded, item, &QObject::deleteLater);
-    } else {
-        delete item;
-    }
+    discardItem(item);
     if (flowLayout->count() == 0) {
         titleButton->setChecked(false);
     }
     eraseFirst(selection, id);
+}
+
+void InputSourceBox::Impl::discardItem(InputSourceItem* item)
+{
+    // A tile whose menu or drag is open has its handler on the stack; it goes once that
+    // returns, and meanwhile tells the box nothing.
+    if (ModalLoop::isRunning(item)) {
+        item->disconnect(this);
+        item->disconnect(q);
+    }
+    ModalLoop::destroy(item);
 }
 
 void InputSourceBox::Impl::deleteItem(uint64_t id)
@@ -456,53 +263,6 @@ void InputSourceBox::Impl::slotTitleToggled(bool isChecked)
                      isChecked ? QStringLiteral("down") : QStringLiteral("right"));
 }
 
-void InputSourceBox::Impl::slotPreviewClicked(bool isChecked)
-{
-    buildItems();
-    previewButton->setEnabled(false);
-    QTimer::singleShot(previewLockOutMs, previewButton,
-                       [button = previewButton] { button->setEnabled(true); });
-    previewButton->setToolTip(trKey(isChecked ? "EnablePreview" : "DisablePreview"));
-
-    std::vector<STInputSource> sources;
-    for (InputSourceItem* const item : items()) {
-        if (!item->isPreviewToggleEnabled()) {
-            continue;
-        }
-        item->setPreviewChecked(isChecked);
-        STInputSource source;
-        source.id = item->id();
-        source.preview = !isChecked;
-        sources.push_back(std::move(source));
-    }
-
-    std::shared_ptr<IInputSourceMgr> mgr = inputSourceMgr.lock();
-    if (mgr == nullptr) {
-        VEXA_WARNING("nullptr == inputSourceMgr");
-        return;
-    }
-    request("slotPreviewClicked",
-            [mgr = std::move(mgr), sources = std::move(sources), enable = !isChecked] {
-                mgr->previewInputSources(sources, enable);
-            });
-}
-
-void InputSourceBox::Impl::slotItemPreviewChanged(uint64_t id, bool isOpen)
-{
-    std::shared_ptr<IInputSourceMgr> mgr = inputSourceMgr.lock();
-    if (mgr == nullptr) {
-        VEXA_WARNING("nullptr == inputSourceMgr");
-        return;
-    }
-    STInputSource source;
-    source.id = id;
-    source.preview = isOpen;
-    request("slotItemPreviewChanged",
-            [mgr = std::move(mgr), sources = std::vector<STInputSource>{source}, isOpen] {
-                mgr->previewInputSources(sources, isOpen);
-            });
-}
-
 void InputSourceBox::Impl::slotItemSelect(uint64_t id)
 {
     selection.assign(1, id);
@@ -511,7 +271,7 @@ void InputSourceBox::Impl::slotItemSelect(uint64_t id)
             item->clearSelect();
         }
     }
-    Q_EMIT owner->signalItemSelect();
+    Q_EMIT q->signalItemSelect();
 }
 
 void InputSourceBox::Impl::slotBatchSelect(uint64_t id, bool bSelect)
@@ -521,54 +281,7 @@ void InputSourceBox::Impl::slotBatchSelect(uint64_t id, bool bSelect)
     } else {
         eraseFirst(selection, id);
     }
-    Q_EMIT owner->signalItemSelect();
-}
-
-void InputSourceBox::Impl::slotItemDelete(uint64_t id)
-{
-    if (isInUse(id) && !confirmDelete("DeleteText")) {
-        return;
-    }
-    std::shared_ptr<IInputSourceMgr> mgr = inputSourceMgr.lock();
-    if (mgr == nullptr) {
-        VEXA_WARNING("nullptr == inputSourceMgr");
-        return;
-    }
-    sendDelete(std::move(mgr), "slotItemDelete", {id});
-}
-
-void InputSourceBox::Impl::slotBatchDelete()
-{
-    if (isCaptureBox()) {
-        return;
-    }
-    const std::vector<uint64_t> ids = selection;
-    const bool anyInUse =
-        std::any_of(ids.begin(), ids.end(), [this](uint64_t id) { return isInUse(id); });
-    if (anyInUse && !confirmDelete("DeleteBatchText")) {
-        return;
-    }
-    std::shared_ptr<IInputSourceMgr> mgr = inputSourceMgr.lock();
-    if (mgr == nullptr) {
-        VEXA_WARNING("nullptr == inputSourceMgr");
-        return;
-    }
-    sendDelete(std::move(mgr), "slotBatchDelete", ids);
-}
-
-void InputSourceBox::Impl::slotItemNameChanged(uint64_t id, const QString& name)
-{
-    std::shared_ptr<IInputSourceMgr> mgr = inputSourceMgr.lock();
-    if (mgr == nullptr) {
-        VEXA_WARNING("nullptr == inputSourceMgr");
-        return;
-    }
-    STResourceRenamedModel model;
-    model.id = id;
-    model.name = name.toStdString();
-    request("slotItemNameChanged", [mgr = std::move(mgr), model = std::move(model)] {
-        return mgr->renameInputSource(model);
-    });
+    Q_EMIT q->signalItemSelect();
 }
 
 bool InputSourceBox::Impl::slotCheckMultiSelect()
@@ -576,231 +289,9 @@ bool InputSourceBox::Impl::slotCheckMultiSelect()
     return selection.size() > 1;
 }
 
-void InputSourceBox::Impl::slotCaptResolutionChanged(uint64_t id,
-                                                     const quandel::CaptResolutionsInfo& captInfo)
-{
-    std::shared_ptr<IInputSourceMgr> mgr = inputSourceMgr.lock();
-    if (mgr == nullptr) {
-        VEXA_WARNING("nullptr == inputSourceMgr");
-        return;
-    }
-    STInputSource source;
-    source.id = id;
-    source.captResolutions = {captInfo};
-    request("slotCaptResolutionChanged", [mgr = std::move(mgr), source = std::move(source)] {
-        mgr->changeCaptResolution(source);
-    });
-}
-
-MetaQueryResult InputSourceBox::Impl::slotGetInputSourceMeta(uint64_t id)
-{
-    return request("slotGetInputSourceMeta", [weakMgr = inputSourceMgr, id]() -> MetaQueryResult {
-        const std::shared_ptr<IInputSourceMgr> mgr = weakMgr.lock();
-        if (mgr == nullptr) {
-            VEXA_WARNING("nullptr == inputSourceMgr");
-            return {};
-        }
-        const IInputSourceMgr::ResourcePtr resource = mgr->getResourceById(id);
-        if (resource == nullptr) {
-            VEXA_WARNING("nullptr == inputSource");
-            return {};
-        }
-        const std::shared_ptr<zq::mediacore::IMeta> meta = resource->getMeta();
-        // The flag tells a drop target whether the page renders natively; every other kind
-        // counts as native.
-        const bool native = meta == nullptr || meta->getResourceType() != EnResourceType::WebPage ||
-                            meta->getWebMode() == 0;
-        return {meta, native};
-    });
-}
-
 void InputSourceBox::Impl::slotItemEdit(uint64_t id)
 {
-    Q_EMIT owner->signalItemEdit(id);
-}
-
-void InputSourceBox::Impl::addItem(uint64_t id, std::shared_ptr<IResource> resource)
-{
-    std::shared_ptr<zq::mediacore::IMeta> meta =
-        resource == nullptr ? nullptr : resource->getMeta();
-    if (meta == nullptr || meta->getResourceType() != resourceType) {
-        return;
-    }
-    // A notification of N sources arrives as N queued calls. Tiles are made once the last of
-    // them was taken from the queue, a batch at a time with the event loop running between
-    // batches: Qt scans the whole queue for some of the events it posts, and making a tile posts
-    // several, so making them all at once in a long queue costs N times N. The panel also stays
-    // responsive while thousands of tiles arrive.
-    unbuilt.push_back({id, std::move(resource), std::move(meta)});
-    if (unbuilt.size() == 1) {
-        QMetaObject::invokeMethod(this, &Impl::buildNextItems, Qt::QueuedConnection);
-    }
-}
-
-void InputSourceBox::Impl::buildNextItems()
-{
-    buildItems(itemsPerBatch);
-    if (!unbuilt.empty()) {
-        QMetaObject::invokeMethod(this, &Impl::buildNextItems, Qt::QueuedConnection);
-    }
-}
-
-void InputSourceBox::Impl::buildItems(std::size_t limit)
-{
-    if (unbuilt.empty()) {
-        return;
-    }
-    // A tile shown in a visible area has the flow layout place every tile again. With the
-    // layout switched off while the batch is shown, the tiles are placed once, after it.
-    std::vector<InputSourceItem*> made;
-    for (std::size_t built = 0; built < limit && !unbuilt.empty(); ++built) {
-        const UnbuiltItem next = std::move(unbuilt.front());
-        unbuilt.pop_front();
-        InputSourceItem* const item = createItem(next.id, *next.resource, *next.meta);
-        // Hidden on purpose, so that the layout does not queue a show of its own.
-        item->hide();
-        flowLayout->addWidget(item);
-        index.add(next.id, item);
-        made.push_back(item);
-    }
-    flowLayout->setEnabled(false);
-    for (InputSourceItem* const item : made) {
-        item->show();
-    }
-    flowLayout->setEnabled(true);
-    titleButton->setChecked(true);
-    itemArea->show();
-    flowLayout->activate();
-    itemArea->adjustSize();
-}
-
-void InputSourceBox::Impl::updateItem(uint64_t id, std::shared_ptr<zq::mediacore::IMeta> meta)
-{
-    buildItems();
-    InputSourceItem* const item = index.find(id);
-    if (item == nullptr) {
-        VEXA_WARNING("nullptr == inputSourceItem");
-        return;
-    }
-    if (meta == nullptr) {
-        VEXA_WARNING("nullptr == meta");
-        return;
-    }
-    item->setResolution(QString::fromStdString(meta->getResolutionText()),
-                        QString::number(meta->getFrameRate(), 'f', 2));
-    showThumbnail(*item, *meta);
-    item->setDragEnabled(true);
-}
-
-void InputSourceBox::Impl::updateItemOnlineStatus(uint64_t id, bool isOnline)
-{
-    buildItems();
-    InputSourceItem* const item = index.find(id);
-    if (item == nullptr) {
-        VEXA_WARNING("updateItemOnlineStatus nullptr == inputSourceItem");
-        return;
-    }
-    item->setOnline(isOnline);
-}
-
-void InputSourceBox::Impl::deleteItems(const std::vector<uint64_t>& ids)
-{
-    buildItems();
-    for (const uint64_t id : ids) {
-        deleteItem(id);
-    }
-}
-
-void InputSourceBox::Impl::clearItems()
-{
-    buildItems();
-    for (int position = flowLayout->count() - 1; position >= 0; --position) {
-        if (auto* const item =
-                qobject_cast<InputSourceItem*>(flowLayout->itemAt(position)->widget())) {
-            removeItem(item);
-        }
-    }
-}
-
-void InputSourceBox::Impl::renameItem(const STResourceRenamedModel& model)
-{
-    buildItems();
-    InputSourceItem* const item = index.find(model.id);
-    if (item == nullptr) {
-        VEXA_WARNING("nullptr == inputSourceItem");
-        return;
-    }
-    if (model.flag != 0) {
-        askOperator(vexa::widgets::TipDialog::Notice, trKey("NameAlreadyExists"), trKey("OK"),
-                    QString());
-    }
-    // The dialog ran an event loop, in which the manager may have removed the source.
-    if (InputSourceItem* const still = index.find(model.id)) {
-        still->setName(QString::fromStdString(model.name));
-    }
-}
-
-void InputSourceBox::Impl::resolutionUpdated(const STInputSource& info)
-{
-    buildItems();
-    InputSourceItem* const item = index.find(info.id);
-    if (item == nullptr) {
-        VEXA_WARNING("nullptr == inputSourceItem");
-        return;
-    }
-    item->setResolution(
-        QStringLiteral("%1*%2").arg(info.resolutionWidth).arg(info.resolutionHeight),
-        QString::number(info.frameRate));
-}
-
-void InputSourceBox::Impl::captResolutionUpdated(const STInputSource& info)
-{
-    buildItems();
-    InputSourceItem* const item = index.find(info.id);
-    if (item != nullptr && !info.captResolutions.empty()) {
-        item->setCurrentCaptResolution(info.captResolutions.front());
-    }
-}
-
-void InputSourceBox::Impl::resolutionError(const quandel::CaptResolutionsInfo& info)
-{
-    if (msgCenter == nullptr) {
-        return;
-    }
-    quandel::msgcenter::STMessage message;
-    message.text = trKey("captResolutionError_1") + resolutionDescription(info) +
-                   trKey("captResolutionError_2");
-    message.level = quandel::msgcenter::STMessage::Warning;
-    message.displayMs = -1;
-    msgCenter->postMessage(message);
-}
-
-void InputSourceBox::Impl::urlUpdated(const STInputSource& info)
-{
-    buildItems();
-    if (InputSourceItem* const item = index.find(info.id)) {
-        item->setUrl(QString::fromStdString(info.address));
-    }
-}
-
-void InputSourceBox::Impl::previewedItems(const std::vector<STInputSource>& infos)
-{
-    buildItems();
-    for (const STInputSource& info : infos) {
-        if (InputSourceItem* const item = index.find(info.id)) {
-            item->setPreviewChecked(!info.preview);
-        }
-    }
-}
-
-void InputSourceBox::Impl::onlineTimeUpdateUi(const QVariant& times)
-{
-    buildItems();
-    forEachOnlineTime(times, [this](uint64_t id, int seconds) {
-        if (InputSourceItem* const item = index.find(id)) {
-            item->setRunningSeconds(seconds);
-        }
-    });
+    Q_EMIT q->signalItemEdit(id);
 }
 
 InputSourceBox::InputSourceBox(QWidget* parent)
@@ -816,6 +307,13 @@ InputSourceBox::~InputSourceBox()
 {
     // Frame threads must find nothing before the tiles go with their parent.
     d->index.clear();
+    // A tile whose menu or drag is open is inside its own event handler: it outlives the box
+    // until that returns.
+    for (InputSourceItem* const item : d->items()) {
+        if (ModalLoop::isRunning(item)) {
+            d->discardItem(item);
+        }
+    }
 }
 
 void InputSourceBox::setTitle(const QString& title)
@@ -847,7 +345,9 @@ void InputSourceBox::setPreviewState(bool previewOn)
 void InputSourceBox::setResourceType(const quandel::resource::EnResourceType& type)
 {
     d->resourceType = type;
-    d->relay->setResourceType(type);
+    if (d->relay != nullptr) {
+        d->relay->setResourceType(type);
+    }
 }
 
 quandel::resource::EnResourceType InputSourceBox::resourceType() const
@@ -867,58 +367,12 @@ void InputSourceBox::setMsgCenterMgr(quandel::msgcenter::IMsgCenterMgr* msgCente
 
 void InputSourceBox::setZQRuntime(quandel::IZQRuntime* runtime)
 {
-    d->runtime = runtime;
+    d->manager.setRuntime(runtime);
 }
 
 void InputSourceBox::updateFrame(uint64_t id, const zq::mediacore::IFrame* frame)
 {
     d->index.deliver(id, frame);
-}
-
-std::weak_ptr<IInputSourceMgr> InputSourceBox::inputSourceMgr() const
-{
-    return d->inputSourceMgr;
-}
-
-void InputSourceBox::setInputSourceMgr(std::weak_ptr<IInputSourceMgr> mgr)
-{
-    d->inputSourceMgr = mgr;
-    std::shared_ptr<IInputSourceMgr> locked = mgr.lock();
-    if (locked == nullptr) {
-        VEXA_WARNING("nullptr == inputSourceMgr");
-        return;
-    }
-    const bool connected = d->request("setInputSourceMgr", [this, locked = std::move(locked)] {
-        for (sigslot::connection& connection : d->connections) {
-            connection.disconnect();
-        }
-        d->connections = d->relay->connect(locked);
-        return true;
-    });
-    if (!connected) {
-        return;
-    }
-    Q_EMIT signalMgrSettingFinished(mgr, d->runtime);
-}
-
-void InputSourceBox::unsetInputSourceMgr()
-{
-    std::shared_ptr<IInputSourceMgr> locked = d->inputSourceMgr.lock();
-    if (locked == nullptr) {
-        VEXA_WARNING("nullptr == inputSourceMgr");
-        return;
-    }
-    const bool disconnected = d->request("unsetInputSourceMgr", [this, locked = std::move(locked)] {
-        for (sigslot::connection& connection : d->connections) {
-            connection.disconnect();
-        }
-        d->connections.clear();
-        return true;
-    });
-    if (!disconnected) {
-        return;
-    }
-    Q_EMIT signalMgrUnsettingFinished();
 }
 
 InputSourceItem* InputSourceBox::findItem(uint64_t id)
@@ -929,25 +383,6 @@ InputSourceItem* InputSourceBox::findItem(uint64_t id)
 int InputSourceBox::itemCount() const
 {
     return static_cast<int>(d->items().size());
-}
-
-void InputSourceBox::clearItem(bool force)
-{
-    d->buildItems();
-    std::shared_ptr<IInputSourceMgr> mgr = d->inputSourceMgr.lock();
-    if (mgr == nullptr) {
-        VEXA_WARNING("nullptr == inputSourceMgr");
-        return;
-    }
-    std::vector<uint64_t> ids;
-    for (InputSourceItem* const item : d->items()) {
-        if (item->kind() == quandel::resource::toCode(EnResourceType::LocalCaptureDevice) ||
-            (!force && d->isInUse(item->id()))) {
-            continue;
-        }
-        ids.push_back(item->id());
-    }
-    d->sendDelete(std::move(mgr), "clearItem", std::move(ids));
 }
 
 std::vector<uint64_t> InputSourceBox::selectedIds() const
@@ -976,12 +411,12 @@ void InputSourceBox::translateLanguage()
 
 void InputSourceBox::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Delete && !d->isCaptureBox()) {
-        d->slotBatchDelete();
+    // When the box goes while its question is open, the event is left accepted so that Qt
+    // does not hand it on through the dead box.
+    if (event->key() == Qt::Key_Delete && !d->isCaptureBox() && !d->batchDelete()) {
+        return;
     }
     QWidget::keyPressEvent(event);
 }
 
 } // namespace vexa::inputsource
-
-#include "inputsourcebox.moc"

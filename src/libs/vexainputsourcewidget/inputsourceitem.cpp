@@ -1,12 +1,17 @@
-#include "inputsourceitem.h"
+#include <vexainputsourcewidget/inputsourceitem.h>
 
 #include "diplaywind.h"
 #include "inputsourcetooltip.h"
+#include "modalloop.h"
 #include "trkey.h"
 
+#include <vexainputsourcewidget/inputsourcedragpayload.h>
+
 #include <quandel/resource/enresourcetype.h>
+#include <vexa/diagnostics/warning.h>
 #include <vexa/widgets/combobox.h>
 #include <vexa/widgets/editbox.h>
+#include <vexa/widgets/elidinglabel.h>
 #include <vexa/widgets/pushbutton.h>
 #include <vexa/widgets/style.h>
 #include <zq/mediacore/iframe.h>
@@ -15,28 +20,23 @@
 
 #include <QAbstractItemView>
 #include <QAction>
-#include <QByteArray>
 #include <QContextMenuEvent>
 #include <QCursor>
-#include <QDataStream>
 #include <QDrag>
 #include <QFontMetrics>
 #include <QHBoxLayout>
+#include <QImage>
 #include <QLabel>
 #include <QMenu>
-#include <QMimeData>
 #include <QMouseEvent>
 #include <QMovie>
-#include <QPainter>
 #include <QPointer>
-#include <QStyle>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QVariant>
 
 #include <atomic>
 #include <cmath>
-#include <functional>
 #include <limits>
 
 namespace vexa::inputsource {
@@ -61,6 +61,7 @@ constexpr int durationWidth = 60;
 constexpr int durationHeight = 12;
 constexpr int chooserHeight = 21;
 constexpr int captionElideWidth = 142;
+constexpr int maxThumbnailSide = 16384;
 constexpr int nameMaxLength = 20;
 constexpr int dragDistance = 30;
 constexpr int previewLockOutMs = 500;
@@ -105,33 +106,6 @@ int integerFrameRate(double rate)
     return rate >= largest ? std::numeric_limits<int>::max() : static_cast<int>(rate);
 }
 
-// The third line carries texts such as "Screenshot mode 3840*2160" that can be wider than the
-// tile. On screen they are elided; text() keeps them whole for everyone who reads the label.
-class InfoLabel : public QLabel
-{
-public:
-    using QLabel::QLabel;
-
-    // Without this the label's full text width would force the fixed-width tile's row wider
-    // than the tile, and the text would be cut off at the tile's edge instead.
-    QSize minimumSizeHint() const override { return {0, QLabel::minimumSizeHint().height()}; }
-
-protected:
-    void paintEvent(QPaintEvent* event) override
-    {
-        const QRect area = contentsRect();
-        const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, area.width());
-        if (shown == text()) {
-            QLabel::paintEvent(event);
-            return;
-        }
-        QPainter painter(this);
-        style()->drawItemText(&painter, area,
-                              QStyle::visualAlignment(layoutDirection(), alignment()), palette(),
-                              isEnabled(), shown, foregroundRole());
-    }
-};
-
 QHBoxLayout* addRow(QVBoxLayout* column, int left, int top, int right, int bottom)
 {
     auto* const row = new QHBoxLayout;
@@ -147,8 +121,8 @@ class InputSourceItem::Impl : public QObject
     Q_OBJECT
 
 public:
-    explicit Impl(InputSourceItem* tile)
-        : owner(tile)
+    explicit Impl(InputSourceItem* q)
+        : q(q)
     {}
 
     void buildLayout();
@@ -169,7 +143,7 @@ public:
     void hideToolTip();
     void startDrag();
 
-    InputSourceItem* const owner;
+    InputSourceItem* const q;
 
     QWidget* border = nullptr;
     QLabel* thumbnail = nullptr;
@@ -194,8 +168,6 @@ public:
     QPoint pressPos;
     int32_t runningSeconds = 0;
     bool dragEnabled = false;
-    // The menu and a drag run event loops of their own, inside this tile's event handlers.
-    int nestedLoops = 0;
     QString resolutionText;
     QMovie* loadingMovie = nullptr;
     int32_t kind = streamKind;
@@ -216,7 +188,6 @@ public Q_SLOTS:
     void slotPreviewToggled(bool checked);
     void slotPreviewClicked(bool checked);
     void slotNameChanged();
-    void runNestedLoop(const std::function<void()>& loop);
     void slotUpdateTime();
     void slotEdit();
     void setPreviewToggled(bool checked);
@@ -234,15 +205,15 @@ vexa::widgets::EditBox* InputSourceItem::Impl::makeEditor()
 
 void InputSourceItem::Impl::buildLayout()
 {
-    owner->setAttribute(Qt::WA_StyledBackground);
-    owner->setFixedWidth(tileWidth);
-    owner->setProperty("style", QStringLiteral("BG4"));
-    owner->setProperty("radius", QStringLiteral("M"));
+    q->setAttribute(Qt::WA_StyledBackground);
+    q->setFixedWidth(tileWidth);
+    q->setProperty("style", QStringLiteral("BG4"));
+    q->setProperty("radius", QStringLiteral("M"));
 
-    auto* const tileLayout = new QHBoxLayout(owner);
+    auto* const tileLayout = new QHBoxLayout(q);
     tileLayout->setContentsMargins(0, 0, 0, 0);
 
-    border = new QWidget(owner);
+    border = new QWidget(q);
     border->setObjectName(QStringLiteral("itemBorder"));
     border->setProperty("select", false);
     border->setProperty("radius", QStringLiteral("M"));
@@ -276,7 +247,9 @@ void InputSourceItem::Impl::buildLayout()
     urlEdit->hide();
 
     QHBoxLayout* const infoRow = addRow(column, 6, 0, 6, 6);
-    info = new InfoLabel(QStringLiteral("--"), border);
+    // The third line carries texts such as "Screenshot mode 3840*2160" that can be wider than
+    // the tile.
+    info = new vexa::widgets::ElidingLabel(QStringLiteral("--"), border);
     info->setObjectName(QStringLiteral("infoLabel"));
     info->setProperty("fontSize", QStringLiteral("S"));
     info->setEnabled(false);
@@ -292,7 +265,7 @@ void InputSourceItem::Impl::buildLayout()
     resolutionBox->hide();
 
     // The floating children lie over the border widget in creation order, the last on top.
-    cover = new QWidget(owner);
+    cover = new QWidget(q);
     cover->setObjectName(QStringLiteral("cover"));
     cover->setProperty("style", QStringLiteral("BG5"));
     cover->setProperty("radius", QStringLiteral("M"));
@@ -307,15 +280,15 @@ void InputSourceItem::Impl::buildLayout()
     coverLayout->addWidget(loadingLabel, 0, Qt::AlignCenter);
     cover->hide();
 
-    surface = new DiplayWind(owner);
+    surface = new DiplayWind(q);
     surface->setGeometry(1, 1, thumbnailWidth, thumbnailHeight);
     surface->hide();
 
-    stateDot = new QLabel(owner);
+    stateDot = new QLabel(q);
     stateDot->setObjectName(offlineName);
     stateDot->setGeometry(10, 8, stateDotSide, stateDotSide);
 
-    previewButton = new vexa::widgets::PushButton(owner);
+    previewButton = new vexa::widgets::PushButton(q);
     previewButton->setObjectName(QStringLiteral("previewBtn"));
     previewButton->setFixedSize(previewButtonSide, previewButtonSide);
     previewButton->move(tileWidth - 28, 3);
@@ -323,14 +296,14 @@ void InputSourceItem::Impl::buildLayout()
     previewButton->setChecked(true);
     previewButton->setProperty("imageBtn", QStringLiteral("display"));
 
-    duration = new QLabel(QStringLiteral("000:00:00"), owner);
+    duration = new QLabel(QStringLiteral("000:00:00"), q);
     duration->setObjectName(QStringLiteral("duration"));
     duration->setProperty("fontSize", QStringLiteral("S"));
     duration->setAlignment(Qt::AlignCenter);
     duration->setFixedSize(durationWidth, durationHeight);
     duration->move(tileWidth / 2 - durationWidth / 2, 70);
 
-    menu = new QMenu(owner);
+    menu = new QMenu(q);
     renameAction = menu->addAction(QStringLiteral("Rename"));
     deleteAction = menu->addAction(QStringLiteral("Delete"));
     editAction = new QAction(QStringLiteral("Edit"), menu);
@@ -339,7 +312,7 @@ void InputSourceItem::Impl::buildLayout()
     }
 
     timer = new QTimer(this);
-    owner->translateLanguage();
+    q->translateLanguage();
 }
 
 void InputSourceItem::Impl::connectSignals()
@@ -384,8 +357,8 @@ void InputSourceItem::Impl::applyKind()
 
 void InputSourceItem::Impl::setTileStyle(const char* style)
 {
-    owner->setProperty("style", QString::fromLatin1(style));
-    vexa::widgets::repolish(owner);
+    q->setProperty("style", QString::fromLatin1(style));
+    vexa::widgets::repolish(q);
 }
 
 void InputSourceItem::Impl::setCaption(const QString& text)
@@ -468,10 +441,10 @@ QVector<InputSourceToolTip::Row> InputSourceItem::Impl::toolTipRows() const
 void InputSourceItem::Impl::showToolTip()
 {
     if (toolTip.isNull()) {
-        toolTip = new InputSourceToolTip(owner);
+        toolTip = new InputSourceToolTip(q);
     }
     toolTip->setContent(toolTipRows());
-    toolTip->move(owner->mapToGlobal(QPoint(0, owner->height())));
+    toolTip->move(q->mapToGlobal(QPoint(0, q->height())));
     toolTip->show();
 }
 
@@ -488,33 +461,25 @@ void InputSourceItem::Impl::hideToolTip()
 void InputSourceItem::Impl::startDrag()
 {
     // The tile owns the drag; Qt also disposes of it once the drag is over.
-    auto* const drag = new QDrag(owner);
+    auto* const drag = new QDrag(q);
     const QPixmap picture = thumbnail->grab();
     drag->setPixmap(picture.scaled(thumbnail->width() / 2, thumbnail->height() / 2,
                                    Qt::IgnoreAspectRatio, Qt::FastTransformation));
     drag->setHotSpot(QPoint(thumbnail->width() / 4, thumbnail->height() / 4));
     // Held until exec() returns: the payload carries the meta's raw address, which a drop
     // target may follow only while this reference keeps the object alive.
-    const MetaQueryResult meta = Q_EMIT owner->signalGetInputSourceMeta(id);
-    drag->setMimeData(makeDragPayload(id, meta));
-    runNestedLoop([drag] { drag->exec(Qt::MoveAction); });
-}
-
-void InputSourceItem::Impl::runNestedLoop(const std::function<void()>& loop)
-{
-    ++nestedLoops;
-    loop();
-    if (--nestedLoops == 0) {
-        Q_EMIT owner->signalNestedLoopsEnded();
-    }
+    const MetaQueryResult meta = Q_EMIT q->signalGetInputSourceMeta(id);
+    drag->setMimeData(InputSourceDragPayload::make(id, meta));
+    // Nothing of the tile is touched after the drag, which may have seen the tile removed.
+    ModalLoop::run(q, [drag] { drag->exec(Qt::MoveAction); });
 }
 
 void InputSourceItem::Impl::slotDelete()
 {
     if (isSelected()) {
-        Q_EMIT owner->signalBatchDelete();
+        Q_EMIT q->signalBatchDelete();
     } else {
-        Q_EMIT owner->signalDelete(id);
+        Q_EMIT q->signalDelete(id);
     }
 }
 
@@ -528,25 +493,31 @@ void InputSourceItem::Impl::slotPreviewClicked(bool checked)
 {
     // The lock-out keeps an operator from flooding the manager with preview requests.
     previewButton->setEnabled(false);
-    Q_EMIT owner->signalPreviewChanged(id, !checked);
+    Q_EMIT q->signalPreviewChanged(id, !checked);
     QTimer::singleShot(previewLockOutMs, previewButton,
                        [button = previewButton] { button->setEnabled(true); });
 }
 
 void InputSourceItem::Impl::slotNameChanged()
 {
-    Q_EMIT owner->signalNameChanged(id, nameEdit->text());
+    Q_EMIT q->signalNameChanged(id, nameEdit->text());
 }
 
 void InputSourceItem::Impl::slotUpdateTime()
 {
+    if (runningSeconds == std::numeric_limits<int32_t>::max()) {
+        // 68 years on air; the clock stays where it is rather than wrap round.
+        timer->stop();
+        VEXA_WARNING(QStringLiteral("the running time of source %1 cannot count further").arg(id));
+        return;
+    }
     ++runningSeconds;
     duration->setText(runningTimeText(runningSeconds));
 }
 
 void InputSourceItem::Impl::slotEdit()
 {
-    Q_EMIT owner->signalEdit(id);
+    Q_EMIT q->signalEdit(id);
 }
 
 void InputSourceItem::Impl::setPreviewToggled(bool checked)
@@ -570,7 +541,7 @@ void InputSourceItem::Impl::slotResolutionChanged(const QString& text)
     }
     const QVariant data = resolutionBox->itemData(index);
     if (data.canConvert<quandel::CaptResolutionsInfo>()) {
-        Q_EMIT owner->signalCaptResolutionChanged(id, data.value<quandel::CaptResolutionsInfo>());
+        Q_EMIT q->signalCaptResolutionChanged(id, data.value<quandel::CaptResolutionsInfo>());
     }
 }
 
@@ -680,6 +651,16 @@ void InputSourceItem::setRunningSeconds(int seconds)
     d->runningSeconds = seconds;
 }
 
+int InputSourceItem::runningSeconds() const
+{
+    return d->runningSeconds;
+}
+
+QString InputSourceItem::name() const
+{
+    return d->nameEdit->text();
+}
+
 void InputSourceItem::setResolution(const QString& size, const QString& rate)
 {
     // The text no longer is what the frames last made of it, so the next frame must refresh it
@@ -740,6 +721,27 @@ void InputSourceItem::setThumbnail(const QPixmap& thumbnail)
         thumbnail.scaled(d->thumbnail->size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
 }
 
+void InputSourceItem::setThumbnail(const zq::mediacore::Thumbnail& thumbnail)
+{
+    if (thumbnail.rgba.empty() && thumbnail.width == 0 && thumbnail.height == 0) {
+        return;
+    }
+    // A line of more than INT_MAX bytes cannot be described to QImage; far smaller pictures
+    // already make no sense as a 168 x 88 thumbnail.
+    if (!thumbnail.isValid() || thumbnail.width > maxThumbnailSide ||
+        thumbnail.height > maxThumbnailSide) {
+        VEXA_WARNING(QStringLiteral("thumbnail of source %1 refused: %2 x %3 pixels in %4 bytes")
+                         .arg(d->id)
+                         .arg(thumbnail.width)
+                         .arg(thumbnail.height)
+                         .arg(thumbnail.rgba.size()));
+        return;
+    }
+    const QImage image(thumbnail.rgba.data(), thumbnail.width, thumbnail.height,
+                       thumbnail.width * 4, QImage::Format_RGBA8888);
+    setThumbnail(QPixmap::fromImage(image));
+}
+
 QPixmap InputSourceItem::thumbnail() const
 {
     return d->thumbnail->pixmap(Qt::ReturnByValue);
@@ -753,6 +755,11 @@ void InputSourceItem::setPreviewChecked(bool checked)
 bool InputSourceItem::isPreviewChecked() const
 {
     return d->previewButton->isChecked();
+}
+
+bool InputSourceItem::isPreviewing() const
+{
+    return !d->previewButton->isChecked();
 }
 
 bool InputSourceItem::isPreviewToggleEnabled() const
@@ -797,30 +804,6 @@ void InputSourceItem::translateLanguage()
     d->deleteAction->setText(trKey("Delete"));
     d->editAction->setText(trKey("Edit"));
     d->refreshWebModeText();
-}
-
-QMimeData* InputSourceItem::makeDragPayload(uint64_t id, const MetaQueryResult& meta)
-{
-    const std::shared_ptr<zq::mediacore::IMeta>& description = std::get<0>(meta);
-    const zq::mediacore::IMeta* const address = description.get();
-    const QByteArray idText = QByteArray::number(static_cast<qulonglong>(id));
-
-    QByteArray damaged;
-    {
-        QDataStream stream(&damaged, QIODevice::WriteOnly);
-        stream << (description ? description->getLost() : false);
-    }
-
-    auto* const payload = new QMimeData;
-    payload->setData(QStringLiteral("materialId"), idText);
-    payload->setData(QStringLiteral("resId"), idText);
-    payload->setData(QStringLiteral("meta"),
-                     QByteArray(reinterpret_cast<const char*>(&address), sizeof address));
-    payload->setData(QStringLiteral("webMode"), QByteArray(std::get<1>(meta) ? "0" : "1"));
-    payload->setData(QStringLiteral("damaged"), damaged);
-    payload->setData(QStringLiteral("type"), QByteArray("1"));
-    payload->setData(QStringLiteral("size"), QByteArray("1"));
-    return payload;
 }
 
 void InputSourceItem::mousePressEvent(QMouseEvent* event)
@@ -888,12 +871,8 @@ void InputSourceItem::contextMenuEvent(QContextMenuEvent* /*event*/)
     // With several tiles selected only "Delete" makes sense: it deletes the whole selection.
     d->renameAction->setVisible(!severalSelected);
     d->editAction->setVisible(!severalSelected);
-    d->runNestedLoop([this] { d->menu->exec(QCursor::pos()); });
-}
-
-bool InputSourceItem::isInNestedLoop() const
-{
-    return d->nestedLoops > 0;
+    ModalLoop::run(
+        this, [this] { d->menu->exec(QCursor::pos()); }, d->menu);
 }
 
 } // namespace vexa::inputsource

@@ -18,7 +18,7 @@ constexpr int rowSpacing = 8;
 struct InputSourceToolTip::Impl
 {
     explicit Impl(InputSourceToolTip* toolTip)
-        : owner(toolTip)
+        : q(toolTip)
         , rows(new QVBoxLayout(toolTip))
     {
         // No left margin: the keys are right-aligned in their own column, which already keeps
@@ -26,13 +26,13 @@ struct InputSourceToolTip::Impl
         rows->setContentsMargins(0, 8, 8, 8);
     }
 
-    InputSourceToolTip* const owner;
+    InputSourceToolTip* const q;
     QVBoxLayout* const rows;
 };
 
 InputSourceToolTip::InputSourceToolTip(QWidget* parent)
     : QWidget(parent, Qt::Tool | Qt::FramelessWindowHint)
-    , d(std::make_shared<Impl>(this))
+    , d(std::make_unique<Impl>(this))
 {
     // A plain QWidget ignores the style sheet's background unless asked to draw it.
     setAttribute(Qt::WA_StyledBackground);

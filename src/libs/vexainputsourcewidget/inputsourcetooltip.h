@@ -14,7 +14,7 @@ namespace vexa::inputsource {
 /// The small window that lists a source's details (key and value rows) under its tile while
 /// the pointer is over the tile. It ignores the mouse, so it never takes the hover from the
 /// tile. GUI thread only.
-class VEXAINPUTSOURCEWIDGET_EXPORT InputSourceToolTip : public QWidget
+class VEXAINPUTSOURCEWIDGET_TEST_EXPORT InputSourceToolTip : public QWidget
 {
     Q_OBJECT
 
@@ -31,7 +31,7 @@ public:
 
 private:
     struct Impl;
-    std::shared_ptr<Impl> const d;
+    std::unique_ptr<Impl> const d;
 };
 
 } // namespace vexa::inputsource

@@ -10,13 +10,6 @@ namespace vexa::inputsource {
 
 using quandel::resource::EnResourceType;
 
-namespace {
-
-// What a record's type code holds when nobody set it.
-constexpr int unknownType = quandel::resource::toCode(EnResourceType::Unassigned);
-
-} // namespace
-
 ManagerRelay::ManagerRelay(QObject* target, EnResourceType type)
     : m_target(target)
     , m_type(quandel::resource::toCode(type))
@@ -59,10 +52,7 @@ std::vector<sigslot::connection> ManagerRelay::connect(const std::shared_ptr<IIn
                         QArgument<std::vector<uint64_t>>("const std::vector<uint64_t>", ids));
         }));
     connections.push_back(mgr->signalResourceRenamed.connect(
-        [self, weakMgr](const vexa::STResourceRenamedModel& model, bool&) {
-            if (self->concernsOtherType(weakMgr, model.id, unknownType)) {
-                return;
-            }
+        [self](const vexa::STResourceRenamedModel& model, bool&) {
             self->queue("renameItem", QArgument<vexa::STResourceRenamedModel>(
                                           "const STResourceRenamedModel&", model));
         }));
@@ -73,11 +63,7 @@ std::vector<sigslot::connection> ManagerRelay::connect(const std::shared_ptr<IIn
             self->queue("previewedItems", QArgument<std::vector<STInputSource>>(
                                               "const std::vector<STInputSource>&", sources));
         }));
-    connections.push_back(mgr->signalResolutionUpdated.connect([self, weakMgr](
-                                                                   const STInputSource& source) {
-        if (self->concernsOtherType(weakMgr, source.id, source.sourceType)) {
-            return;
-        }
+    connections.push_back(mgr->signalResolutionUpdated.connect([self](const STInputSource& source) {
         self->queue("resolutionUpdated", QArgument<STInputSource>("const STInputSource&", source));
     }));
     connections.push_back(
@@ -129,18 +115,6 @@ void ManagerRelay::resourceExtracted(const IInputSourceMgr::ResourcePtr& resourc
     queue("updateItem", QArgument<uint64_t>("uint64_t", id),
           QArgument<std::shared_ptr<zq::mediacore::IMeta>>("std::shared_ptr<zq::mediacore::IMeta>",
                                                            meta));
-}
-
-bool ManagerRelay::concernsOtherType(const std::weak_ptr<IInputSourceMgr>& weakMgr, uint64_t id,
-                                     int declaredType) const
-{
-    const int type = m_type.load();
-    if (declaredType != unknownType) {
-        return declaredType != type;
-    }
-    const std::shared_ptr<IInputSourceMgr> mgr = weakMgr.lock();
-    const IInputSourceMgr::ResourcePtr resource = mgr ? mgr->getResourceById(id) : nullptr;
-    return resource != nullptr && quandel::resource::toCode(resource->getType()) != type;
 }
 
 void ManagerRelay::onlineStatusChanged(const std::map<uint64_t, bool>& states, int type)

@@ -49,11 +49,6 @@ private:
     void resourcesAdded(const std::vector<IInputSourceMgr::ResourcePtr>& resources);
     void resourceExtracted(const IInputSourceMgr::ResourcePtr& resource);
     void onlineStatusChanged(const std::map<uint64_t, bool>& states, int type);
-    // One manager feeds every box, so a box would hear about the other kinds' sources and warn
-    // that it has no tile for them. True when source `id` is known to be of another kind: by
-    // the type code its record declares, or else by asking the manager (the runtime thread may).
-    bool concernsOtherType(const std::weak_ptr<IInputSourceMgr>& mgr, uint64_t id,
-                           int declaredType) const;
     void webInfoChanged(const std::weak_ptr<IInputSourceMgr>& mgr, const STWebOperation& operation);
 
     // Queues `slot` on the target with the arguments, each named as the slot's meta-object

@@ -1,6 +1,6 @@
 #include "tileindex.h"
 
-#include "inputsourceitem.h"
+#include <vexainputsourcewidget/inputsourceitem.h>
 
 #include <algorithm>
 #include <mutex>

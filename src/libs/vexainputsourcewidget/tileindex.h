@@ -24,7 +24,7 @@ class InputSourceItem;
 /// Only the GUI thread adds and removes, so it reads without a lock. Frame threads read under
 /// the shared lock for the whole hand-over, and the GUI thread removes under the exclusive one,
 /// so once remove() has returned no frame thread is inside the tile or can reach it again.
-class VEXAINPUTSOURCEWIDGET_EXPORT TileIndex
+class VEXAINPUTSOURCEWIDGET_TEST_EXPORT TileIndex
 {
 public:
     TileIndex();

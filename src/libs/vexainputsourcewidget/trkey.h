@@ -10,6 +10,6 @@ namespace vexa::inputsource {
 /// "Widget"); the key itself when the language has none. Every visible text of the library goes
 /// through here, so that the language files can be checked against the keys the code uses.
 /// GUI thread.
-VEXAINPUTSOURCEWIDGET_EXPORT QString trKey(const char* key);
+VEXAINPUTSOURCEWIDGET_TEST_EXPORT QString trKey(const char* key);
 
 } // namespace vexa::inputsource

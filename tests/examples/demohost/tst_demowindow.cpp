@@ -1,7 +1,7 @@
 #include "demowindow.h"
 #include "diplaywind.h"
-#include "inputsourceitem.h"
 #include "simulatedinputsourcemgr.h"
+#include <vexainputsourcewidget/inputsourceitem.h>
 
 #include <vexainputsourcewidget/inputsourcebox.h>
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>

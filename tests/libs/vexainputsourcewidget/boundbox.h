@@ -1,6 +1,6 @@
 #pragma once
 
-#include "inputsourceitem.h"
+#include <vexainputsourcewidget/inputsourceitem.h>
 
 #include <vexainputsourcewidget/inputsourcebox.h>
 #include <vexainputsourcewidget/testing/fakeinputsourcemgr.h>

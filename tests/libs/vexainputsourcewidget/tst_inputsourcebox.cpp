@@ -1,7 +1,7 @@
 #include "boundbox.h"
-#include "inputsourceitem.h"
 #include "languagefiles.h"
 #include "trkey.h"
+#include <vexainputsourcewidget/inputsourceitem.h>
 
 #include <vexainputsourcewidget/inputsourcebox.h>
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>

@@ -1,4 +1,4 @@
-#include "inputsourceitem.h"
+#include <vexainputsourcewidget/inputsourceitem.h>
 
 #include <vexainputsourcewidget/inputsourcebox.h>
 #include <vexainputsourcewidget/testing/fakeinputsourcemgr.h>

@@ -1,8 +1,9 @@
 #include "diplaywind.h"
-#include "inputsourceitem.h"
 #include "inputsourcetooltip.h"
 #include "languagefiles.h"
 #include "trkey.h"
+#include <vexainputsourcewidget/inputsourcedragpayload.h>
+#include <vexainputsourcewidget/inputsourceitem.h>
 
 #include <vexainputsourcewidget/inputsourcemetatypes.h>
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>
@@ -38,6 +39,7 @@
 #include <thread>
 
 using vexa::inputsource::DiplayWind;
+using vexa::inputsource::InputSourceDragPayload;
 using vexa::inputsource::InputSourceItem;
 using vexa::inputsource::InputSourceToolTip;
 using vexa::inputsource::MetaQueryResult;
@@ -1368,7 +1370,7 @@ void TestInputSourceItem::dragPayload()
 
     const uint64_t id = 18446744073709551557ULL;
     const MetaQueryResult answer{meta, valid};
-    const std::unique_ptr<QMimeData> payload(InputSourceItem::makeDragPayload(id, answer));
+    const std::unique_ptr<QMimeData> payload(InputSourceDragPayload::make(id, answer));
 
     QCOMPARE(payload->formats(),
              (QStringList{"materialId", "resId", "meta", "webMode", "damaged", "type", "size"}));

@@ -1,5 +1,5 @@
-#include "inputsourceitem.h"
 #include "tileindex.h"
+#include <vexainputsourcewidget/inputsourceitem.h>
 
 #include <vexainputsourcewidget/testing/framefactory.h>
 

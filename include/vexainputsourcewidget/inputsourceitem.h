@@ -4,6 +4,7 @@
 #include <vexainputsourcewidget/vexainputsourcewidget_export.h>
 
 #include <quandel/captresolutionsinfo.h>
+#include <zq/mediacore/thumbnail.h>
 
 #include <QPixmap>
 #include <QString>
@@ -12,8 +13,6 @@
 #include <cstdint>
 #include <memory>
 #include <vector>
-
-class QMimeData;
 
 namespace zq::mediacore {
 class IFrame;
@@ -26,11 +25,34 @@ namespace vexa::inputsource {
 /// capture-format chooser) and a preview toggle. Every user action leaves the tile as a signal
 /// carrying the source id; the tile knows nothing of the manager.
 ///
-/// GUI thread only, except updateFrame(). The tile starts offline, preview off (toggle
-/// checked), not selected and not draggable.
+/// Ownership and lifetime: a box makes its tiles from the manager's notifications and owns
+/// them; a tile lives until the manager removes its source, so a pointer from
+/// InputSourceBox::findItem() is good until the next turn of the event loop at the latest.
+/// Guard one kept longer with a QPointer. A host uses a tile to read its state (the properties
+/// below) and to fix a capture device's caption (setDeviceCaption()); everything else the box
+/// drives.
+///
+/// Threads: GUI thread only, except updateFrame(). The tile starts offline, preview off
+/// (toggle checked), not selected and not draggable.
+///
+/// Look: "style" "BG4" (hovered "BG6"), "radius" "M"; the border "itemBorder" carries
+/// "select"; the state dot is named "state_online" or "state_offline"; further object names:
+/// "captionLabel", "nameEdit", "urlEdit", "infoLabel", "resolutionBox", "cover",
+/// "loadingLabel", "previewBtn", "duration" and the thumbnail "thumbnail_streaming",
+/// "thumbnail_ndi", "thumbnail_capture" or "thumbnail_web".
 class VEXAINPUTSOURCEWIDGET_EXPORT InputSourceItem : public QWidget
 {
     Q_OBJECT
+    /// The source's id.
+    Q_PROPERTY(quint64 id READ id)
+    /// Whether the source is online.
+    Q_PROPERTY(bool online READ isOnline)
+    /// Whether the preview is on (the toggle unchecked).
+    Q_PROPERTY(bool previewing READ isPreviewing)
+    /// The seconds the running-time clock shows.
+    Q_PROPERTY(int runningSeconds READ runningSeconds)
+    /// The name in the name editor.
+    Q_PROPERTY(QString name READ name)
 
 public:
     /// A tile for a source of the given resource type (7 NDI, 8 capture device, 9 web page,
@@ -73,8 +95,13 @@ public:
     void setOnline(bool online);
     bool isOnline() const;
 
-    /// The running time in seconds; the next tick of the clock shows `seconds` + 1.
+    /// The running time in seconds; the next tick of the clock shows `seconds` + 1. The clock
+    /// stops at INT_MAX seconds (68 years) with a warning.
     void setRunningSeconds(int seconds);
+    int runningSeconds() const;
+
+    /// The name the editor shows.
+    QString name() const;
 
     /// Fixes the caption line of a capture tile to `name` + "(" + `device` + ")". From then
     /// on language changes keep it, and the preview toggle no longer shows or hides the
@@ -97,10 +124,18 @@ public:
     void setThumbnail(const QPixmap& thumbnail);
     QPixmap thumbnail() const;
 
+    /// The same from a media description's picture. An empty one changes nothing; one whose
+    /// sizes disagree with its bytes, or whose lines are too long for an image (more than
+    /// 16384 pixels a side), is refused with a warning.
+    void setThumbnail(const zq::mediacore::Thumbnail& thumbnail);
+
     /// Sets the preview toggle without emitting signalPreviewChanged; checked means preview
     /// off. The surface follows in a queued call.
     void setPreviewChecked(bool checked);
     bool isPreviewChecked() const;
+
+    /// Whether the preview is on: the toggle is not checked.
+    bool isPreviewing() const;
 
     /// False during the short lock-out after the operator clicked the toggle.
     bool isPreviewToggleEnabled() const;
@@ -118,19 +153,6 @@ public:
 
     /// Re-applies the translated texts after a language switch.
     void translateLanguage();
-
-    /// True while the tile's menu or a drag from it runs its own event loop, inside one of the
-    /// tile's event handlers: the tile must not be destroyed until signalNestedLoopsEnded().
-    bool isInNestedLoop() const;
-
-    /// The payload a drag of the source `id` carries, for the host's drop targets; `meta` is
-    /// what the box answered to signalGetInputSourceMeta. Formats, each a byte array:
-    /// "materialId" and "resId" the id as decimal text; "meta" the address of the meta object
-    /// as the pointer's own bytes in machine order (zeros without one), valid only in this
-    /// process while the drag lasts; "webMode" "0" when the answer's flag is true, else "1";
-    /// "damaged" a QDataStream holding the meta's lost flag (false without a meta); "type"
-    /// and "size" the constant "1". The caller owns the result.
-    static QMimeData* makeDragPayload(uint64_t id, const MetaQueryResult& meta);
 
 public Q_SLOTS:
     /// Web tiles keep `size` (commas removed) for the screenshot-mode text and ignore `rate`.
@@ -163,9 +185,6 @@ Q_SIGNALS:
     void signalDoubleClicked(uint64_t id);
     /// The operator picked a capture format in the chooser.
     void signalCaptResolutionChanged(uint64_t id, const quandel::CaptResolutionsInfo& info);
-    /// The last nested event loop of the menu or a drag returned; emitted from inside the
-    /// tile's event handler, so a deleteLater() connected to it runs after that handler.
-    void signalNestedLoopsEnded();
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
