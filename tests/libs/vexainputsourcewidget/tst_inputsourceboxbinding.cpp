@@ -17,16 +17,20 @@
 #include <vexa/widgets/pushbutton.h>
 
 #include <QAction>
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPointer>
+#include <QPushButton>
 #include <QSignalSpy>
+#include <QTimer>
 #include <QtTest>
 
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -140,6 +144,14 @@ private Q_SLOTS:
     void throwingManagerIsLoggedNotFatal();
     void refusedCommandSendsNothingAndLogsNothing();
     void framesReachTheTileOfTheirId();
+
+    void unbindingForgetsTheManager();
+    void rebindingDropsTheOldManagerFirst();
+    void tilesExistOnceTheirNotificationRan();
+    void boxDestroyedWhileItsNameNoticeIsOpen();
+    void boxDestroyedWhileItsDeleteQuestionIsOpen();
+    void boxDestroyedWhileATileMenuIsOpen();
+    void refusedRenamesAreToldOneAtATimeInOrder();
 };
 
 void TestInputSourceBoxBinding::initTestCase()
@@ -1084,6 +1096,211 @@ void TestInputSourceBoxBinding::framesReachTheTileOfTheirId()
                  ->findChild<QLabel*>(QStringLiteral("infoLabel"))
                  ->text()
                  .endsWith(QStringLiteral("@48fps")));
+}
+
+void TestInputSourceBoxBinding::unbindingForgetsTheManager()
+{
+    BoundBox bound;
+    bound.addOwn({1});
+    bound.box.unsetInputSourceMgr();
+    QVERIFY(bound.box.inputSourceMgr().lock() == nullptr);
+
+    WarningRecorder recorder;
+    bound.box.clearItem(true);
+    Q_EMIT bound.tile(1)->signalDelete(1);
+    QCOMPARE(recorder.count(QStringLiteral("nullptr == inputSourceMgr")), 2);
+    QCOMPARE(bound.mgr->callCount("deleteInputSources"), 0);
+    QCOMPARE(bound.mgr->signalResourcesAdded.slot_count(), 0U);
+}
+
+void TestInputSourceBoxBinding::rebindingDropsTheOldManagerFirst()
+{
+    BoundBox bound;
+    std::weak_ptr<IInputSourceMgr> expired;
+    {
+        auto gone = std::make_shared<FakeInputSourceMgr>(&bound.runtime);
+        expired = gone;
+    }
+    bound.box.setInputSourceMgr(expired);
+    QCOMPARE(bound.mgr->signalResourcesAdded.slot_count(), 0U);
+    bound.mgr->fireOnRuntime([](auto& mgr) {
+        mgr.signalResourcesAdded({makeSource(1, EnResourceType::NetworkStream)}, {});
+    });
+    BoundBox::settle();
+    QCOMPARE(bound.box.itemCount(), 0);
+
+    // A binding the runtime refuses leaves neither manager connected.
+    bound.box.setInputSourceMgr(bound.mgr);
+    QCOMPARE(bound.mgr->signalResourcesAdded.slot_count(), 1U);
+    auto other = std::make_shared<FakeInputSourceMgr>(&bound.runtime);
+    bound.runtime.setGateOpen(false);
+    bound.box.setInputSourceMgr(other);
+    bound.runtime.setGateOpen(true);
+    QCOMPARE(bound.mgr->signalResourcesAdded.slot_count(), 0U);
+    QCOMPARE(other->signalResourcesAdded.slot_count(), 0U);
+    QCOMPARE(bound.box.inputSourceMgr().lock(), std::static_pointer_cast<IInputSourceMgr>(other));
+    bound.box.unsetInputSourceMgr();
+}
+
+void TestInputSourceBoxBinding::tilesExistOnceTheirNotificationRan()
+{
+    BoundBox bound;
+    auto first = makeSource(1, EnResourceType::NetworkStream);
+    auto second = makeSource(2, EnResourceType::NetworkStream);
+    int countSeen = -1;
+    bool foundSecond = false;
+    QObject context;
+    bound.mgr->fireOnRuntime([&](auto& mgr) {
+        mgr.signalResourcesAdded({first, second}, {});
+        // Queued behind the box's own calls, as a host's next step would be.
+        QMetaObject::invokeMethod(
+            &context,
+            [&] {
+                countSeen = bound.box.itemCount();
+                foundSecond = bound.box.findItem(2) != nullptr;
+            },
+            Qt::QueuedConnection);
+    });
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall);
+    QCOMPARE(countSeen, 2);
+    QVERIFY(foundSecond);
+    QVERIFY(bound.tile(2)->isVisibleTo(&bound.box));
+}
+
+void TestInputSourceBoxBinding::boxDestroyedWhileItsNameNoticeIsOpen()
+{
+    quandel::ZQRuntime runtime;
+    auto mgr = std::make_shared<FakeInputSourceMgr>(&runtime);
+    QPointer<InputSourceBox> box = new InputSourceBox;
+    box->setResourceType(EnResourceType::NetworkStream);
+    box->setZQRuntime(&runtime);
+    box->setInputSourceMgr(mgr);
+    box->show();
+    mgr->fireOnRuntime([](auto& manager) {
+        manager.signalResourcesAdded({makeSource(1, EnResourceType::NetworkStream)}, {});
+    });
+    BoundBox::settle();
+
+    ModalAnswerer answerer;
+    answerer.whenShown([&box](QWidget*) { delete box; });
+    mgr->fireOnRuntime([](auto& manager) {
+        vexa::STResourceRenamedModel refused;
+        refused.id = 1;
+        refused.name = "Kept";
+        refused.flag = 1;
+        bool flag = false;
+        manager.signalResourceRenamed(refused, flag);
+    });
+    BoundBox::settle();
+    QVERIFY2(answerer.answered(), qPrintable(answerer.errorString()));
+    QVERIFY(box.isNull());
+    // The notice closed with its box; nothing waits for an answer.
+    QTRY_COMPARE(QApplication::activeModalWidget(), nullptr);
+}
+
+void TestInputSourceBoxBinding::boxDestroyedWhileItsDeleteQuestionIsOpen()
+{
+    quandel::ZQRuntime runtime;
+    auto mgr = std::make_shared<FakeInputSourceMgr>(&runtime);
+    QPointer<InputSourceBox> box = new InputSourceBox;
+    box->setResourceType(EnResourceType::NetworkStream);
+    box->setZQRuntime(&runtime);
+    box->setInputSourceMgr(mgr);
+    box->resize(400, 300);
+    box->show();
+    connect(box, &InputSourceBox::signalCheckInputSourceBeUsed, this,
+            [](uint64_t) { return true; });
+    mgr->fireOnRuntime([](auto& manager) {
+        manager.signalResourcesAdded({makeSource(1, EnResourceType::NetworkStream)}, {});
+    });
+    BoundBox::settle();
+    QTest::mouseClick(box->findItem(1), Qt::LeftButton, Qt::NoModifier, QPoint(30, 30));
+    QCOMPARE(box->selectedIds(), std::vector<uint64_t>{1});
+
+    ModalAnswerer answerer;
+    answerer.whenShown([&box](QWidget*) { delete box; });
+    QTest::keyClick(box, Qt::Key_Delete);
+    QVERIFY2(answerer.answered(), qPrintable(answerer.errorString()));
+    QVERIFY(box.isNull());
+    QTRY_COMPARE(QApplication::activeModalWidget(), nullptr);
+    QCOMPARE(mgr->callCount("deleteInputSources"), 0);
+}
+
+void TestInputSourceBoxBinding::boxDestroyedWhileATileMenuIsOpen()
+{
+    quandel::ZQRuntime runtime;
+    auto mgr = std::make_shared<FakeInputSourceMgr>(&runtime);
+    QPointer<InputSourceBox> box = new InputSourceBox;
+    box->setResourceType(EnResourceType::NetworkStream);
+    box->setZQRuntime(&runtime);
+    box->setInputSourceMgr(mgr);
+    box->show();
+    mgr->fireOnRuntime([](auto& manager) {
+        manager.signalResourcesAdded({makeSource(1, EnResourceType::NetworkStream)}, {});
+    });
+    BoundBox::settle();
+    QPointer<InputSourceItem> tile = box->findItem(1);
+    QPointer<QMenu> menu = tile->findChild<QMenu*>();
+    connect(menu, &QMenu::aboutToShow, this, [&] {
+        QTimer::singleShot(0, this, [&box] { delete box; });
+        // Only a safety net: the menu of a box that went closes by itself.
+        QTimer::singleShot(3000, menu, [&menu] { menu->close(); });
+    });
+    QElapsedTimer open;
+    open.start();
+    const QPoint local(20, 20);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, local, tile->mapToGlobal(local));
+    QCoreApplication::sendEvent(tile, &event);
+    QVERIFY(box.isNull());
+    QVERIFY(open.elapsed() < 2000);
+    QTRY_VERIFY(tile.isNull());
+}
+
+void TestInputSourceBoxBinding::refusedRenamesAreToldOneAtATimeInOrder()
+{
+    BoundBox bound;
+    bound.addOwn({1, 2, 3});
+    // Each notice is answered when it shows; what was on screen at that moment is kept.
+    std::vector<int> openNotices;
+    std::vector<QString> nameOfFirstWhenShown;
+    QTimer answering;
+    answering.setInterval(20);
+    connect(&answering, &QTimer::timeout, this, [&] {
+        auto* const modal = QApplication::activeModalWidget();
+        if (modal == nullptr) {
+            return;
+        }
+        int visible = 0;
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (window->isVisible() && window->inherits("vexa::widgets::TipDialog")) {
+                ++visible;
+            }
+        }
+        openNotices.push_back(visible);
+        nameOfFirstWhenShown.push_back(bound.tile(1)->name());
+        QTest::mouseClick(modal->findChild<QPushButton*>(QStringLiteral("firstBtn")),
+                          Qt::LeftButton);
+    });
+    answering.start();
+    bound.mgr->fireOnRuntime([](auto& mgr) {
+        for (const uint64_t id : {1, 2, 3}) {
+            vexa::STResourceRenamedModel refused;
+            refused.id = id;
+            refused.name = "Kept " + std::to_string(id);
+            refused.flag = 1;
+            bool flag = false;
+            mgr.signalResourceRenamed(refused, flag);
+        }
+    });
+    QTRY_COMPARE(openNotices.size(), std::size_t(3));
+    answering.stop();
+    QCOMPARE(openNotices, (std::vector<int>{1, 1, 1}));
+    // The first rename applied once its own notice closed, before the second notice.
+    QCOMPARE(nameOfFirstWhenShown.at(0), QStringLiteral("Source 1"));
+    QCOMPARE(nameOfFirstWhenShown.at(1), QStringLiteral("Kept 1"));
+    QTRY_COMPARE(bound.tile(3)->name(), QStringLiteral("Kept 3"));
+    QCOMPARE(bound.tile(2)->name(), QStringLiteral("Kept 2"));
+    QCOMPARE(QApplication::activeModalWidget(), nullptr);
 }
 
 QTEST_MAIN(TestInputSourceBoxBinding)

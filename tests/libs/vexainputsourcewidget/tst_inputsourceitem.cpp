@@ -8,6 +8,7 @@
 #include <vexainputsourcewidget/inputsourcemetatypes.h>
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>
 #include <vexainputsourcewidget/testing/framefactory.h>
+#include <vexainputsourcewidget/testing/warningrecorder.h>
 
 #include <vexa/widgets/combobox.h>
 #include <vexa/widgets/editbox.h>
@@ -35,6 +36,7 @@
 #include <cmath>
 #include <cstring>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <thread>
 
@@ -266,6 +268,12 @@ class TestInputSourceItem : public QObject
 private Q_SLOTS:
     void initTestCase();
     void cleanup();
+
+    void stateIsReadableAsProperties();
+    void runningTimeStopsAtTheLargestCount();
+    void thumbnailOfAMediaDescriptionIsShown();
+    void inconsistentThumbnailIsRefused();
+    void thumbnailTooWideForAnImageIsRefused();
 
     void tileLayout();
     void floatingChildren();
@@ -1536,6 +1544,95 @@ void TestInputSourceItem::destructionFreesTheSurfaceAndDropsPendingUpdates()
     QVERIFY(shownSurface.isNull());
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents();
+}
+
+void TestInputSourceItem::stateIsReadableAsProperties()
+{
+    InputSourceItem tile(13);
+    tile.setId(18446744073709551557ULL);
+    tile.setName(QStringLiteral("Studio Feed"));
+    QCOMPARE(tile.property("id").toULongLong(), 18446744073709551557ULL);
+    QCOMPARE(tile.property("online").toBool(), false);
+    QCOMPARE(tile.property("previewing").toBool(), false);
+    QCOMPARE(tile.property("runningSeconds").toInt(), 0);
+    QCOMPARE(tile.property("name").toString(), QStringLiteral("Studio Feed"));
+
+    tile.setOnline(true);
+    tile.setRunningSeconds(3725);
+    tile.setPreviewChecked(false);
+    QCOMPARE(tile.property("online").toBool(), true);
+    QCOMPARE(tile.property("previewing").toBool(), true);
+    QCOMPARE(tile.property("runningSeconds").toInt(), 3725);
+}
+
+void TestInputSourceItem::runningTimeStopsAtTheLargestCount()
+{
+    InputSourceItem tile(13);
+    tile.setOnline(true);
+    tile.setRunningSeconds(std::numeric_limits<int>::max() - 1);
+    auto* const duration = tile.findChild<QLabel*>(QStringLiteral("duration"));
+    QTRY_COMPARE_WITH_TIMEOUT(duration->text(), QStringLiteral("596523:14:07"), 3000);
+    QCOMPARE(tile.runningSeconds(), std::numeric_limits<int>::max());
+
+    vexa::testing::WarningRecorder recorder;
+    QTRY_VERIFY_WITH_TIMEOUT(
+        recorder.find(QStringLiteral("the running time of source 0 cannot count further"))
+            .has_value(),
+        3000);
+    QTest::qWait(1100);
+    QCOMPARE(tile.runningSeconds(), std::numeric_limits<int>::max());
+    QCOMPARE(duration->text(), QStringLiteral("596523:14:07"));
+    QCOMPARE(recorder.count(QStringLiteral("the running time of source 0 cannot count further")),
+             1);
+}
+
+void TestInputSourceItem::thumbnailOfAMediaDescriptionIsShown()
+{
+    InputSourceItem tile(13);
+    zq::mediacore::Thumbnail picture;
+    picture.width = 4;
+    picture.height = 2;
+    picture.rgba.assign(4 * 2 * 4, 0xff);
+    tile.setThumbnail(picture);
+    QVERIFY(!tile.thumbnail().isNull());
+
+    // An empty picture leaves the one shown.
+    tile.setThumbnail(zq::mediacore::Thumbnail());
+    QVERIFY(!tile.thumbnail().isNull());
+}
+
+void TestInputSourceItem::inconsistentThumbnailIsRefused()
+{
+    InputSourceItem tile(13);
+    tile.setId(9);
+    zq::mediacore::Thumbnail picture;
+    picture.width = 64;
+    picture.height = 64;
+    picture.rgba.assign(16, 0);
+    vexa::testing::WarningRecorder recorder;
+    tile.setThumbnail(picture);
+    QVERIFY(tile.thumbnail().isNull());
+    QCOMPARE(
+        recorder.count(QStringLiteral("thumbnail of source 9 refused: 64 x 64 pixels in 16 bytes")),
+        1);
+}
+
+void TestInputSourceItem::thumbnailTooWideForAnImageIsRefused()
+{
+    // Consistent sizes whose line length in bytes does not fit an int.
+    InputSourceItem tile(13);
+    tile.setId(5);
+    zq::mediacore::Thumbnail picture;
+    picture.width = 536870912;
+    picture.height = 1;
+    picture.rgba.resize(std::size_t(picture.width) * 4);
+    QVERIFY(picture.isValid());
+    vexa::testing::WarningRecorder recorder;
+    tile.setThumbnail(picture);
+    QVERIFY(tile.thumbnail().isNull());
+    QCOMPARE(recorder.count(QStringLiteral("thumbnail of source 5 refused: 536870912 x 1 pixels "
+                                           "in 2147483648 bytes")),
+             1);
 }
 
 QTEST_MAIN(TestInputSourceItem)

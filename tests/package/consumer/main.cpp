@@ -2,6 +2,8 @@
 // module through it, so a module whose headers, library or link interface went missing from
 // the installed package fails to build or to run here.
 #include <vexainputsourcewidget/iinputsourcemgr.h>
+#include <vexainputsourcewidget/inputsourcebox.h>
+#include <vexainputsourcewidget/inputsourceitem.h>
 #include <vexainputsourcewidget/inputsourcemetatypes.h>
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>
 #include <vexainputsourcewidget/version.h>
@@ -22,6 +24,7 @@
 #include <zqctuils/indexgenerator.h>
 
 #include <QApplication>
+#include <QLabel>
 #include <QMetaType>
 
 #include <cstdio>
@@ -40,6 +43,27 @@ void check(bool condition, const char* what)
         ++failures;
     }
 }
+
+// The smallest manager a host could write: it keeps nothing and answers every request with
+// nothing, which is all the check of the tile below needs.
+class SilentMgr : public vexa::inputsource::IInputSourceMgr
+{
+public:
+    void addInputSources(const std::vector<vexa::inputsource::STInputSource>&) override {}
+    void deleteInputSources(const std::vector<uint64_t>&) override {}
+    void previewInputSources(const std::vector<vexa::inputsource::STInputSource>&, bool) override {}
+    std::vector<ResourcePtr> getResources() override { return {}; }
+    void setStreamingText(const std::string&) override {}
+    std::string generateStreamingName() override { return {}; }
+    ResourcePtr getResourceById(uint64_t) override { return {}; }
+    bool renameInputSource(const vexa::STResourceRenamedModel&) override { return false; }
+    void renameNdiReceiver(const vexa::STResourceRenamedModel&) override {}
+    void refreshNdiSources() override {}
+    bool isNameRepeated(const std::string&) override { return false; }
+    void webOperation(const vexa::inputsource::STWebOperation&) override {}
+    void changeCaptResolution(const vexa::inputsource::STInputSource&) override {}
+    void refreshCaptureDevices() override {}
+};
 
 } // namespace
 
@@ -98,6 +122,41 @@ int main(int argc, char** argv)
     quandel::msgcenter::MsgCenterMgr messages;
     messages.postMessage({QStringLiteral("hello"), quandel::msgcenter::STMessage::Notice, -1, {}});
     check(messages.messages().size() == 1, "message centre keeps messages");
+
+    // A host reaches a capture tile through the box and names its device.
+    {
+        using quandel::resource::EnResourceType;
+        auto mgr = std::make_shared<SilentMgr>();
+        vexa::inputsource::InputSourceBox box;
+        box.setResourceType(EnResourceType::LocalCaptureDevice);
+        box.setZQRuntime(&runtime);
+        box.setInputSourceMgr(mgr);
+        zq::mediacore::MetaValues values;
+        values.resourceType = EnResourceType::LocalCaptureDevice;
+        values.name = "HDMI In";
+        auto card = std::make_shared<quandel::resource::ValueResource>(
+            7, EnResourceType::LocalCaptureDevice, values.name);
+        card->setMeta(std::make_shared<zq::mediacore::ValueMeta>(values));
+        std::promise<void> fired;
+        runtime.post(
+            [&] {
+                mgr->signalResourcesAdded({card}, {});
+                fired.set_value();
+            },
+            __FILE__, __LINE__, "main");
+        fired.get_future().get();
+        QCoreApplication::processEvents();
+        vexa::inputsource::InputSourceItem* const tile = box.findItem(7);
+        check(tile != nullptr, "the box made the tile of the added device");
+        if (tile != nullptr) {
+            tile->setDeviceCaption(QStringLiteral("USB"), QStringLiteral("Camera"));
+            const auto* caption = tile->findChild<QLabel*>(QStringLiteral("captionLabel"));
+            check(caption != nullptr && caption->text() == QStringLiteral("Camera(USB)"),
+                  "a host names a capture device on its tile");
+            check(tile->property("id").toULongLong() == 7, "tile state is readable");
+        }
+        box.unsetInputSourceMgr();
+    }
 
     OverrideSupportedWGC(true);
     check(IsSupportedWGC(), "capture probe override");
