@@ -1,5 +1,7 @@
 #include "diplaywind.h"
 
+#include "queuedhandoff.h"
+
 #include <zq/mediacore/iframebuffer.h>
 
 #include <QImage>
@@ -87,6 +89,7 @@ struct DiplayWind::Impl
         if (picture->repaintPending.exchange(true)) {
             return;
         }
+        QueuedHandoff::release(q);
         QTimer::singleShot(0, q, [this] {
             // Cleared before update(), so that a frame copied after this point asks again.
             picture->repaintPending = false;
@@ -101,7 +104,10 @@ struct DiplayWind::Impl
 DiplayWind::DiplayWind(QWidget* parent)
     : QWidget(parent)
     , d(std::make_unique<Impl>(this))
-{}
+{
+    // Frame threads ask for repaints.
+    QueuedHandoff::watch(this);
+}
 
 DiplayWind::~DiplayWind()
 {

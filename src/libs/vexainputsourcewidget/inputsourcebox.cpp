@@ -2,6 +2,7 @@
 
 #include "managerrelay.h"
 #include "modalloop.h"
+#include "queuedhandoff.h"
 #include "trkey.h"
 
 #include <XJ/Utils/flowlayout.h>
@@ -44,7 +45,10 @@ void eraseFirst(std::vector<uint64_t>& ids, uint64_t id)
 
 InputSourceBox::Impl::Impl(InputSourceBox* q)
     : q(q)
-{}
+{
+    // The manager's notifications arrive here from the runtime thread.
+    QueuedHandoff::watch(this);
+}
 
 InputSourceBox::Impl::~Impl()
 {

@@ -3,6 +3,7 @@
 #include "diplaywind.h"
 #include "inputsourcetooltip.h"
 #include "modalloop.h"
+#include "queuedhandoff.h"
 #include "trkey.h"
 
 #include <vexainputsourcewidget/inputsourcedragpayload.h>
@@ -554,6 +555,8 @@ InputSourceItem::InputSourceItem(int kind, QWidget* parent)
     d->connectSignals();
     d->applyKind();
     registerMetaTypes();
+    // Frame threads post the frame rate to the tile.
+    QueuedHandoff::watch(this);
 }
 
 InputSourceItem::~InputSourceItem() = default;
@@ -791,6 +794,7 @@ void InputSourceItem::updateFrame(const zq::mediacore::IFrame* frame)
     if (d->postedFrameRate.exchange(rate) == rate) {
         return;
     }
+    QueuedHandoff::release(this);
     QMetaObject::invokeMethod(
         this, [this, rate] { d->applyFrameRate(rate); }, Qt::QueuedConnection);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "queuedhandoff.h"
+
 #include <vexainputsourcewidget/iinputsourcemgr.h>
 
 #include <quandel/resource/enresourcetype.h>
@@ -57,8 +59,11 @@ private:
     void queue(const char* slot, Args... args)
     {
         const std::lock_guard<std::mutex> guard(m_lock);
-        if (m_target != nullptr &&
-            !QMetaObject::invokeMethod(m_target, slot, Qt::QueuedConnection, args...)) {
+        if (m_target == nullptr) {
+            return;
+        }
+        QueuedHandoff::release(m_target);
+        if (!QMetaObject::invokeMethod(m_target, slot, Qt::QueuedConnection, args...)) {
             VEXA_WARNING(QStringLiteral("cannot queue %1").arg(QLatin1String(slot)));
         }
     }

@@ -28,6 +28,7 @@
 #include <QTimer>
 #include <QtTest>
 
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -79,6 +80,41 @@ QAction* menuAction(const InputSourceItem& tile, const QString& text)
 Ids deletedIds(const FakeInputSourceMgr& mgr)
 {
     return std::get<0>(mgr.lastArguments<Ids>("deleteInputSources"));
+}
+
+// A shown box bound to `mgr` that the test may destroy, holding the tile of source 1.
+QPointer<InputSourceBox> boxWithOneSource(quandel::ZQRuntime& runtime,
+                                          const std::shared_ptr<FakeInputSourceMgr>& mgr)
+{
+    QPointer<InputSourceBox> box = new InputSourceBox;
+    box->setResourceType(EnResourceType::NetworkStream);
+    box->setZQRuntime(&runtime);
+    box->setInputSourceMgr(mgr);
+    box->resize(400, 300);
+    box->show();
+    mgr->fireOnRuntime([](auto& manager) {
+        manager.signalResourcesAdded({makeSource(1, EnResourceType::NetworkStream)}, {});
+    });
+    BoundBox::settle();
+    return box;
+}
+
+// Opens the tile's context menu as a right click would, runs `whileOpen` once it shows and
+// answers how many milliseconds the menu stayed open. The menu is expected to close by itself;
+// after 3 s a safety net closes it, so the test cannot hang.
+qint64 openMenuOf(InputSourceItem* tile, const std::function<void()>& whileOpen)
+{
+    QPointer<QMenu> menu = tile->findChild<QMenu*>();
+    QObject::connect(menu, &QMenu::aboutToShow, menu, [menu, whileOpen] {
+        whileOpen();
+        QTimer::singleShot(3000, menu, [menu] { menu->close(); });
+    });
+    QElapsedTimer open;
+    open.start();
+    const QPoint local(20, 20);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, local, tile->mapToGlobal(local));
+    QCoreApplication::sendEvent(tile, &event);
+    return open.elapsed();
 }
 
 // Arms an answerer that must not find a dialog: a dialog would block the test, so it closes
@@ -394,23 +430,15 @@ void TestInputSourceBoxBinding::sourceRemovedWhileItsMenuIsOpen()
     BoundBox bound;
     bound.addOwn({1});
     QPointer<InputSourceItem> tile = bound.tile(1);
-    QPointer<QMenu> menu = tile->findChild<QMenu*>();
     bool menuOpened = false;
-    connect(menu, &QMenu::aboutToShow, menu, [&] {
+    const qint64 openMs = openMenuOf(tile, [&] {
         menuOpened = true;
         // The host removes the source while the operator looks at its menu.
         bound.mgr->fireOnRuntime([](auto& mgr) { mgr.signalResourcesDeleted({1}); });
-        // Only a safety net: the menu of a removed source closes by itself.
-        QTimer::singleShot(3000, menu, [&menu] { menu->close(); });
     });
-    QElapsedTimer open;
-    open.start();
-    const QPoint local(20, 20);
-    QContextMenuEvent event(QContextMenuEvent::Mouse, local, tile->mapToGlobal(local));
-    QCoreApplication::sendEvent(tile, &event);
 
     QVERIFY(menuOpened);
-    QVERIFY(open.elapsed() < 2000);
+    QVERIFY(openMs < 2000);
     QCOMPARE(bound.box.findItem(1), nullptr);
     QCOMPARE(bound.box.itemCount(), 0);
     // Withdrawn at once, destroyed once its menu handler has returned, not under it.
@@ -1171,15 +1199,7 @@ void TestInputSourceBoxBinding::boxDestroyedWhileItsNameNoticeIsOpen()
 {
     quandel::ZQRuntime runtime;
     auto mgr = std::make_shared<FakeInputSourceMgr>(&runtime);
-    QPointer<InputSourceBox> box = new InputSourceBox;
-    box->setResourceType(EnResourceType::NetworkStream);
-    box->setZQRuntime(&runtime);
-    box->setInputSourceMgr(mgr);
-    box->show();
-    mgr->fireOnRuntime([](auto& manager) {
-        manager.signalResourcesAdded({makeSource(1, EnResourceType::NetworkStream)}, {});
-    });
-    BoundBox::settle();
+    QPointer<InputSourceBox> box = boxWithOneSource(runtime, mgr);
 
     ModalAnswerer answerer;
     answerer.whenShown([&box](QWidget*) { delete box; });
@@ -1230,29 +1250,13 @@ void TestInputSourceBoxBinding::boxDestroyedWhileATileMenuIsOpen()
 {
     quandel::ZQRuntime runtime;
     auto mgr = std::make_shared<FakeInputSourceMgr>(&runtime);
-    QPointer<InputSourceBox> box = new InputSourceBox;
-    box->setResourceType(EnResourceType::NetworkStream);
-    box->setZQRuntime(&runtime);
-    box->setInputSourceMgr(mgr);
-    box->show();
-    mgr->fireOnRuntime([](auto& manager) {
-        manager.signalResourcesAdded({makeSource(1, EnResourceType::NetworkStream)}, {});
-    });
-    BoundBox::settle();
+    QPointer<InputSourceBox> box = boxWithOneSource(runtime, mgr);
     QPointer<InputSourceItem> tile = box->findItem(1);
-    QPointer<QMenu> menu = tile->findChild<QMenu*>();
-    connect(menu, &QMenu::aboutToShow, this, [&] {
-        QTimer::singleShot(0, this, [&box] { delete box; });
-        // Only a safety net: the menu of a box that went closes by itself.
-        QTimer::singleShot(3000, menu, [&menu] { menu->close(); });
-    });
-    QElapsedTimer open;
-    open.start();
-    const QPoint local(20, 20);
-    QContextMenuEvent event(QContextMenuEvent::Mouse, local, tile->mapToGlobal(local));
-    QCoreApplication::sendEvent(tile, &event);
+    QObject context;
+    const qint64 openMs =
+        openMenuOf(tile, [&] { QTimer::singleShot(0, &context, [&box] { delete box; }); });
     QVERIFY(box.isNull());
-    QVERIFY(open.elapsed() < 2000);
+    QVERIFY(openMs < 2000);
     QTRY_VERIFY(tile.isNull());
 }
 

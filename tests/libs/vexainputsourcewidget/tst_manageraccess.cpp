@@ -25,6 +25,14 @@ std::shared_ptr<IInputSourceMgr> lockFromHere(const ManagerAccess& access, int* 
     return access.lock(VEXA_HERE);
 }
 
+ManagerAccess accessTo(const std::shared_ptr<IInputSourceMgr>& mgr, quandel::ZQRuntime& runtime)
+{
+    ManagerAccess access;
+    access.setManager(mgr);
+    access.setRuntime(&runtime);
+    return access;
+}
+
 } // namespace
 
 class TestManagerAccess : public QObject
@@ -90,9 +98,7 @@ void TestManagerAccess::sendRunsOnTheRuntimeThreadWithTheManager()
 {
     quandel::ZQRuntime runtime;
     auto mgr = std::make_shared<FakeInputSourceMgr>(&runtime);
-    ManagerAccess access;
-    access.setManager(mgr);
-    access.setRuntime(&runtime);
+    const ManagerAccess access = accessTo(mgr, runtime);
     std::thread::id ranOn;
     const bool answer = access.send(VEXA_HERE, "test", [&ranOn](IInputSourceMgr& manager) {
         ranOn = std::this_thread::get_id();
@@ -123,9 +129,7 @@ void TestManagerAccess::aThrowingRequestIsLoggedWithItsTag()
 {
     quandel::ZQRuntime runtime;
     auto mgr = std::make_shared<FakeInputSourceMgr>(&runtime);
-    ManagerAccess access;
-    access.setManager(mgr);
-    access.setRuntime(&runtime);
+    const ManagerAccess access = accessTo(mgr, runtime);
     WarningRecorder recorder;
     const int answer = access.send(VEXA_HERE, "slotSomething", [](IInputSourceMgr&) -> int {
         throw std::runtime_error("device busy");
@@ -138,9 +142,7 @@ void TestManagerAccess::aRefusedCallYieldsTheDefaultSilently()
 {
     quandel::ZQRuntime runtime;
     auto mgr = std::make_shared<FakeInputSourceMgr>(&runtime);
-    ManagerAccess access;
-    access.setManager(mgr);
-    access.setRuntime(&runtime);
+    const ManagerAccess access = accessTo(mgr, runtime);
     runtime.setGateOpen(false);
     WarningRecorder recorder;
     bool ran = false;

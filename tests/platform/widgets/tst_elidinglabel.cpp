@@ -18,6 +18,18 @@ QImage rendered(QWidget& widget)
     return widget.grab().toImage();
 }
 
+// Shows the label and hovers over it as the platform would; true when the label took the event.
+bool askForToolTip(ElidingLabel& label)
+{
+    label.show();
+    if (!QTest::qWaitForWindowExposed(&label)) {
+        return false;
+    }
+    QHelpEvent help(QEvent::ToolTip, QPoint(5, 5), label.mapToGlobal(QPoint(5, 5)));
+    QApplication::sendEvent(&label, &help);
+    return help.isAccepted();
+}
+
 } // namespace
 
 class TestElidingLabel : public QObject
@@ -83,10 +95,7 @@ void TestElidingLabel::showsTheWholeTextAsToolTipWhenElided()
 {
     ElidingLabel label(longText);
     label.resize(40, 20);
-    label.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&label));
-    QHelpEvent help(QEvent::ToolTip, QPoint(5, 5), label.mapToGlobal(QPoint(5, 5)));
-    QApplication::sendEvent(&label, &help);
+    askForToolTip(label);
     QTRY_VERIFY(QToolTip::isVisible());
     QCOMPARE(QToolTip::text(), longText);
     QToolTip::hideText();
@@ -97,11 +106,8 @@ void TestElidingLabel::showsNoToolTipWhenWhole()
     QToolTip::hideText();
     ElidingLabel label(QStringLiteral("Short"));
     label.resize(200, 20);
-    label.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&label));
-    QHelpEvent help(QEvent::ToolTip, QPoint(5, 5), label.mapToGlobal(QPoint(5, 5)));
-    QApplication::sendEvent(&label, &help);
-    QVERIFY(!help.isAccepted());
+    const bool accepted = askForToolTip(label);
+    QVERIFY(!accepted);
     QVERIFY(QToolTip::text().isEmpty() || !QToolTip::isVisible());
 }
 
@@ -110,10 +116,7 @@ void TestElidingLabel::anExplicitToolTipWins()
     ElidingLabel label(longText);
     label.setToolTip(QStringLiteral("explicit"));
     label.resize(40, 20);
-    label.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&label));
-    QHelpEvent help(QEvent::ToolTip, QPoint(5, 5), label.mapToGlobal(QPoint(5, 5)));
-    QApplication::sendEvent(&label, &help);
+    askForToolTip(label);
     QTRY_VERIFY(QToolTip::isVisible());
     QCOMPARE(QToolTip::text(), QStringLiteral("explicit"));
     QToolTip::hideText();
