@@ -69,6 +69,11 @@
         <translation>Remove all input sources? Capture devices are kept.</translation>
     </message>
     <message>
+        <source>Close</source>
+        <comment>Widget</comment>
+        <translation>Close</translation>
+    </message>
+    <message>
         <source>CpuExceedsTheThreshold</source>
         <comment>Widget</comment>
         <translation>CPU usage has stayed above %2 for %1 seconds.</translation>

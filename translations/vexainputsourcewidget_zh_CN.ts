@@ -69,6 +69,11 @@
         <translation>确定要清空所有输入源吗？采集设备会保留。</translation>
     </message>
     <message>
+        <source>Close</source>
+        <comment>Widget</comment>
+        <translation>关闭</translation>
+    </message>
+    <message>
         <source>CpuExceedsTheThreshold</source>
         <comment>Widget</comment>
         <translation>CPU 使用率已连续 %1 秒超过 %2。</translation>

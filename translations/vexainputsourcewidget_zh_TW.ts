@@ -69,6 +69,11 @@
         <translation>確定要清除所有輸入來源嗎？擷取裝置會保留。</translation>
     </message>
     <message>
+        <source>Close</source>
+        <comment>Widget</comment>
+        <translation>關閉</translation>
+    </message>
+    <message>
         <source>CpuExceedsTheThreshold</source>
         <comment>Widget</comment>
         <translation>CPU 使用率已連續 %1 秒超過 %2。</translation>

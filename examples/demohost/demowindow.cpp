@@ -3,8 +3,10 @@
 #include "simulatedinputsourcemgr.h"
 #include "themeloader.h"
 
+#include <vexainputsourcewidget/capturecardbox.h>
 #include <vexainputsourcewidget/inputsourcebox.h>
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>
+#include <vexainputsourcewidget/streamingbox.h>
 #include <vexainputsourcewidget/version.h>
 
 #include <captureprobe/wgcsupport.h>
@@ -27,7 +29,9 @@ namespace demohost {
 namespace {
 
 using quandel::resource::EnResourceType;
+using vexa::inputsource::CaptureCardBox;
 using vexa::inputsource::InputSourceBox;
+using vexa::inputsource::StreamingBox;
 
 // The panel's categories, top to bottom. A category without a key has a fixed title that no
 // language translates.
@@ -47,6 +51,23 @@ constexpr Category categories[] = {
 
 constexpr int panelWidth = 742;
 constexpr int statusIntervalMs = 1000;
+constexpr auto deviceArrivalInterval = std::chrono::seconds(20);
+
+// The kinds with a box of their own; the others are plain boxes whose add the host handles.
+InputSourceBox* createBox(EnResourceType type, QWidget* parent)
+{
+    switch (type) {
+    case EnResourceType::LocalCaptureDevice:
+        return new CaptureCardBox(parent);
+    case EnResourceType::NetworkStream:
+        return new StreamingBox(parent);
+    default: {
+        auto* box = new InputSourceBox(parent);
+        box->setResourceType(type);
+        return box;
+    }
+    }
+}
 
 QString text(const char* key)
 {
@@ -141,12 +162,9 @@ QWidget* DemoWindow::Impl::buildToolbar()
     languages->addItem(QStringLiteral("简体中文"), QStringLiteral("zh_CN"));
     languages->addItem(QStringLiteral("繁體中文"), QStringLiteral("zh_TW"));
     languages->addItem(QStringLiteral("English"), QStringLiteral("en_US"));
-    QObject::connect(languages, QOverload<int>::of(&QComboBox::activated), q,
-                     [this, languages](int index) {
-                         InputSourceTranslateManager::instance().translator().switchLanguage(
-                             languages->itemData(index).toString());
-                         retranslate();
-                     });
+    QObject::connect(
+        languages, QOverload<int>::of(&QComboBox::activated), q,
+        [this, languages](int index) { q->switchLanguage(languages->itemData(index).toString()); });
 
     layout->addWidget(title);
     layout->addWidget(status, 1);
@@ -171,9 +189,8 @@ QWidget* DemoWindow::Impl::buildPanel()
     layout->setSpacing(0);
     const QString loading = ThemeLoader::loadingAnimation(ThemeLoader::themesDir());
     for (const Category& category : categories) {
-        auto* box = new InputSourceBox(column);
+        auto* box = createBox(category.type, column);
         box->setObjectName(QStringLiteral("box%1").arg(quandel::resource::toCode(category.type)));
-        box->setResourceType(category.type);
         box->setZQRuntime(&runtime);
         box->setLoadingPath(loading);
         box->setMsgCenterMgr(&messageCentre);
@@ -221,9 +238,23 @@ void DemoWindow::Impl::bindBoxes()
         QObject::connect(
             box, &InputSourceBox::signalCheckInputSourceBeUsed, q,
             [mgr = manager.get()](uint64_t id) { return mgr->isInUse(id); }, Qt::DirectConnection);
-        QObject::connect(box, &InputSourceBox::signalAddClicked, q,
-                         [this, type] { addSource(type); });
+        // The stream box asks for its streams itself; the capture box has no add button.
+        if (qobject_cast<StreamingBox*>(box) == nullptr) {
+            QObject::connect(box, &InputSourceBox::signalAddClicked, q,
+                             [this, type] { addSource(type); });
+        }
         box->setInputSourceMgr(manager);
+        // The host's device watcher: the simulated manager plays it, on its timer thread.
+        if (auto* capture = qobject_cast<CaptureCardBox*>(box)) {
+            QObject* const receiver =
+                capture->findChild<QObject*>(QStringLiteral("captureCardBoxImpl"));
+            manager->setDeviceSink(
+                [receiver](bool isArrival) {
+                    QMetaObject::invokeMethod(receiver, "slotUpdateDevice", Qt::QueuedConnection,
+                                              Q_ARG(bool, isArrival));
+                },
+                deviceArrivalInterval);
+        }
     }
     // The frame thread calls this; the list of boxes is fixed from here on, and the sink is
     // removed before the boxes go.
@@ -406,6 +437,7 @@ DemoWindow::~DemoWindow()
     // threads end, and only then the runtime: nothing is left to post to it.
     d->managerEvents.clear();
     d->manager->setFrameSink({});
+    d->manager->setDeviceSink({}, {});
     for (InputSourceBox* box : d->boxes) {
         box->unsetInputSourceMgr();
     }
@@ -413,6 +445,15 @@ DemoWindow::~DemoWindow()
     d->runtime.stop(quandel::ZQRuntime::StopMode::DiscardQueued);
     // The boxes hold raw pointers to the runtime and the message centre, which go with d.
     delete takeCentralWidget();
+}
+
+void DemoWindow::switchLanguage(const QString& code)
+{
+    InputSourceTranslateManager::instance().translator().switchLanguage(code);
+    if (auto* chooser = findChild<vexa::widgets::ComboBox*>(QStringLiteral("languageChooser"))) {
+        chooser->setCurrentIndex(chooser->findData(code));
+    }
+    d->retranslate();
 }
 
 std::vector<InputSourceBox*> DemoWindow::boxes() const

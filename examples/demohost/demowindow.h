@@ -35,6 +35,9 @@ public:
     /// The boxes, top to bottom: capture cards, network streams, NDI senders, web pages.
     std::vector<vexa::inputsource::InputSourceBox*> boxes() const;
 
+    /// Switches the panel to language `code` ("zh_CN", "zh_TW", "en_US"), as the chooser does.
+    void switchLanguage(const QString& code);
+
     /// The simulated manager behind the boxes.
     std::shared_ptr<SimulatedInputSourceMgr> manager() const;
 

@@ -188,6 +188,7 @@ struct SimulatedInputSourceMgr::Impl
     void later(std::chrono::milliseconds delay, std::function<void(SimulatedInputSourceMgr&)> body);
     void extract(const std::vector<uint64_t>& ids);
     void tick();
+    void deviceTick(uint64_t generation);
     void runFrames();
 
     SimulatedInputSourceMgr* const q;
@@ -209,6 +210,13 @@ struct SimulatedInputSourceMgr::Impl
     // Held while the sink runs, so that setFrameSink() returns only once no old call is left.
     std::mutex sinkMutex;
     FrameSink sink;
+
+    // Held while the device sink runs, for the same reason. A new sink starts a new series of
+    // arrivals; the generation ends the old one.
+    std::mutex deviceMutex;
+    DeviceSink deviceSink;
+    std::chrono::milliseconds deviceInterval{0};
+    uint64_t deviceGeneration = 0;
 
     std::mutex frameMutex;
     std::condition_variable frameWake;
@@ -387,6 +395,17 @@ void SimulatedInputSourceMgr::Impl::tick()
         q->signalOnlineTimeUpdated(seconds);
     }
     later(tickInterval, [](SimulatedInputSourceMgr& mgr) { mgr.d->tick(); });
+}
+
+void SimulatedInputSourceMgr::Impl::deviceTick(uint64_t generation)
+{
+    std::lock_guard<std::mutex> lock(deviceMutex);
+    if (generation != deviceGeneration || !deviceSink) {
+        return;
+    }
+    deviceSink(true);
+    later(deviceInterval,
+          [generation](SimulatedInputSourceMgr& mgr) { mgr.d->deviceTick(generation); });
 }
 
 void SimulatedInputSourceMgr::Impl::runFrames()
@@ -765,6 +784,22 @@ void SimulatedInputSourceMgr::setFrameSink(FrameSink sink)
 {
     std::lock_guard<std::mutex> lock(d->sinkMutex);
     d->sink = std::move(sink);
+}
+
+void SimulatedInputSourceMgr::setDeviceSink(DeviceSink sink, std::chrono::milliseconds interval)
+{
+    uint64_t generation = 0;
+    {
+        std::lock_guard<std::mutex> lock(d->deviceMutex);
+        d->deviceSink = std::move(sink);
+        d->deviceInterval = interval;
+        generation = ++d->deviceGeneration;
+        if (!d->deviceSink) {
+            return;
+        }
+    }
+    d->later(interval,
+             [generation](SimulatedInputSourceMgr& mgr) { mgr.d->deviceTick(generation); });
 }
 
 void SimulatedInputSourceMgr::seedDemoSources()

@@ -44,6 +44,10 @@ public:
     /// valid for the duration of the call only.
     using FrameSink = std::function<void(uint64_t id, const zq::mediacore::IFrame* frame)>;
 
+    /// Told on the timer thread that a capture device arrived (true) or left, as a host's
+    /// device watcher would tell it.
+    using DeviceSink = std::function<void(bool isArrival)>;
+
     /// Width and height of the frames the sources deliver.
     static constexpr int frameWidth = 480;
     static constexpr int frameHeight = 270;
@@ -74,6 +78,10 @@ public:
     /// Replaces the frame sink; an empty function stops delivery. Once this returns, the
     /// previous sink is no longer called, so its owner may go.
     void setFrameSink(FrameSink sink);
+
+    /// Replaces the device sink, which is told of a simulated device arrival every `interval`;
+    /// an empty function stops it. Once this returns, the previous sink is no longer called.
+    void setDeviceSink(DeviceSink sink, std::chrono::milliseconds interval);
 
     /// Posts the creation of a few sources of every kind to the runtime: capture cards with
     /// several capture formats, network streams (one of them unreachable, so it stays

@@ -3,8 +3,10 @@
 #include "simulatedinputsourcemgr.h"
 #include <vexainputsourcewidget/inputsourceitem.h>
 
+#include <vexainputsourcewidget/capturecardbox.h>
 #include <vexainputsourcewidget/inputsourcebox.h>
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>
+#include <vexainputsourcewidget/streamingbox.h>
 #include <vexainputsourcewidget/testing/modalanswerer.h>
 
 #include <vexa/widgets/combobox.h>
@@ -36,6 +38,29 @@ QString text(const char* key)
 {
     return quandel::trans::translate(InputSourceTranslateManager::instance().translator(),
                                      "InputSource", "Widget", key);
+}
+
+// Adds a stream through the stream box's dialog as an operator does: keeps the proposed name,
+// types `url`, clicks OK. Returns the proposed name.
+QString addStreamThroughTheDialog(InputSourceBox* streams, const QString& url)
+{
+    QString proposed;
+    vexa::testing::ModalAnswerer answerer;
+    answerer.whenShown([&proposed, &url](QWidget* modal) {
+        proposed = modal->findChild<vexa::widgets::EditBox*>(QStringLiteral("nameEdit"))->text();
+        QWidget* const editor =
+            modal->findChild<vexa::widgets::EditBox*>(QStringLiteral("urlEdit"))->focusProxy();
+        QTest::mouseClick(editor, Qt::LeftButton);
+        QTest::keyClicks(editor, url);
+        QTest::mouseClick(modal->findChild<QPushButton*>(QStringLiteral("confirmBtn")),
+                          Qt::LeftButton);
+    });
+    QTest::mouseClick(streams->findChild<QPushButton*>(QStringLiteral("boxAddButton")),
+                      Qt::LeftButton);
+    if (!answerer.answered()) {
+        return QStringLiteral("no dialog: ") + answerer.errorString();
+    }
+    return proposed;
 }
 
 InputSourceBox* boxOf(const DemoWindow& window, int kind)
@@ -143,6 +168,8 @@ void TestDemoWindow::theBoxesShowTheSeededSources()
     const std::vector<InputSourceBox*> boxes = window->boxes();
     QCOMPARE(boxes.size(), std::size_t(4));
     QCOMPARE(quandel::resource::toCode(boxes[0]->resourceType()), captureKind);
+    QVERIFY(qobject_cast<vexa::inputsource::CaptureCardBox*>(boxes[0]) != nullptr);
+    QVERIFY(qobject_cast<vexa::inputsource::StreamingBox*>(boxes[1]) != nullptr);
     QCOMPARE(quandel::resource::toCode(boxes[1]->resourceType()), streamKind);
     QCOMPARE(quandel::resource::toCode(boxes[2]->resourceType()), ndiKind);
     QCOMPARE(quandel::resource::toCode(boxes[3]->resourceType()), webKind);
@@ -184,13 +211,13 @@ void TestDemoWindow::theAddButtonAddsAStream()
     InputSourceBox* const streams = boxOf(*window, streamKind);
     QTRY_COMPARE_WITH_TIMEOUT(streams->itemCount(), 3, patienceMs);
 
-    auto* const add = streams->findChild<QPushButton*>(QStringLiteral("boxAddButton"));
-    QVERIFY(add != nullptr);
-    QTest::mouseClick(add, Qt::LeftButton);
+    // The dialog proposes a name in the operator's language, with the smallest free number.
+    const QString proposed =
+        addStreamThroughTheDialog(streams, QStringLiteral("rtsp://10.0.0.9/a"));
+    QCOMPARE(proposed, text("Streaming") + QStringLiteral(" 1"));
     QTRY_COMPARE_WITH_TIMEOUT(streams->itemCount(), 4, patienceMs);
 
-    // Named in the operator's language, with the smallest free number.
-    const std::string name = (text("Streaming") + QStringLiteral(" 1")).toStdString();
+    const std::string name = proposed.toStdString();
     const uint64_t id = idOf(*window, name);
     QVERIFY2(id != 0, name.c_str());
     InputSourceItem* const tile = streams->findItem(id);
@@ -331,8 +358,11 @@ void TestDemoWindow::aLanguageSwitchRetitlesTheBoxesAndNamesNewStreams()
 
     InputSourceBox* const streams = boxOf(*window, streamKind);
     QTRY_COMPARE_WITH_TIMEOUT(streams->itemCount(), 3, patienceMs);
-    QTest::mouseClick(streams->findChild<QPushButton*>(QStringLiteral("boxAddButton")),
-                      Qt::LeftButton);
+    // The new word reaches the manager through the runtime; the dialog asks it directly.
+    QTRY_COMPARE_WITH_TIMEOUT(window->manager()->generateStreamingName(), std::string("Stream 1"),
+                              patienceMs);
+    QCOMPARE(addStreamThroughTheDialog(streams, QStringLiteral("rtmp://10.0.0.9/live")),
+             QStringLiteral("Stream 1"));
     QTRY_COMPARE_WITH_TIMEOUT(streams->itemCount(), 4, patienceMs);
     QVERIFY(idOf(*window, "Stream 1") != 0);
 }

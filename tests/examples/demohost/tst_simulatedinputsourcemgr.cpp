@@ -266,6 +266,7 @@ private:
     }
 
 private Q_SLOTS:
+    void deviceArrivalsComeNowAndThenUntilTheSinkGoes();
     void addFiresAddedExtractedOnlineAndResolutionOnTheRuntime();
     void unreachableSourceFailsAndStaysOffline();
     void deleteFiresDeletedAndForgetsTheSource();
@@ -285,6 +286,25 @@ private Q_SLOTS:
     void shutdownWithThreadsRunning();
     void tasksQueuedForAGoneManagerDoNothing();
 };
+
+void TestSimulatedInputSourceMgr::deviceArrivalsComeNowAndThenUntilTheSinkGoes()
+{
+    quandel::ZQRuntime runtime;
+    auto mgr = std::make_shared<SimulatedInputSourceMgr>(&runtime);
+    std::atomic<int> arrivals{0};
+    std::atomic<int> removals{0};
+    mgr->setDeviceSink(
+        [&arrivals, &removals](bool isArrival) { ++(isArrival ? arrivals : removals); },
+        std::chrono::milliseconds(30));
+
+    QTRY_VERIFY(arrivals >= 2);
+    mgr->setDeviceSink({}, {});
+    const int told = arrivals;
+    QTest::qWait(150);
+    QCOMPARE(arrivals.load(), told);
+    QCOMPARE(removals.load(), 0);
+    mgr->shutdown();
+}
 
 void TestSimulatedInputSourceMgr::addFiresAddedExtractedOnlineAndResolutionOnTheRuntime()
 {

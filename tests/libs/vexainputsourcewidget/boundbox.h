@@ -13,6 +13,7 @@
 #include <QCoreApplication>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,20 +50,24 @@ ownWarnings(const vexa::testing::WarningRecorder& recorder)
     return own;
 }
 
-/// A box of one type bound to a manager double on a real runtime thread, shown on screen.
-struct BoundBox
+/// A box bound to a manager double on a real runtime thread, shown on screen. `Box` is
+/// InputSourceBox or one of the kinds derived from it, which fix their own resource type.
+template <typename Box>
+struct BoundBoxOf
 {
-    explicit BoundBox(EnResourceType type = EnResourceType::NetworkStream)
+    explicit BoundBoxOf(std::optional<EnResourceType> type = std::nullopt)
         : mgr(std::make_shared<vexa::testing::FakeInputSourceMgr>(&runtime))
     {
-        box.setResourceType(type);
+        if (type) {
+            box.setResourceType(*type);
+        }
         box.setZQRuntime(&runtime);
         box.setInputSourceMgr(mgr);
         box.resize(800, 600);
         box.show();
     }
 
-    ~BoundBox()
+    ~BoundBoxOf()
     {
         if (!box.inputSourceMgr().expired()) {
             box.unsetInputSourceMgr();
@@ -104,5 +109,13 @@ struct BoundBox
     quandel::ZQRuntime runtime;
     std::shared_ptr<vexa::testing::FakeInputSourceMgr> mgr;
     std::vector<vexa::inputsource::IInputSourceMgr::ResourcePtr> known;
-    vexa::inputsource::InputSourceBox box;
+    Box box;
+};
+
+/// A plain box of one type, bound and shown.
+struct BoundBox : BoundBoxOf<vexa::inputsource::InputSourceBox>
+{
+    explicit BoundBox(EnResourceType type = EnResourceType::NetworkStream)
+        : BoundBoxOf(type)
+    {}
 };
