@@ -32,7 +32,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size);
 
 // Present when a sanitizer runtime is linked in: it then reports the crash, and calls this back
 // before the process ends.
-extern "C" void __sanitizer_set_death_callback(void (*callback)()) __attribute__((weak));
+extern "C" void __sanitizer_set_death_callback(void (*callback)())
+    __attribute__((weak, visibility("default")));
 
 namespace {
 
