@@ -14,7 +14,7 @@ if ! command -v clang-format >/dev/null 2>&1; then
     exit 1
 fi
 
-mapfile -t files < <(find src include testing tests examples bench \
+mapfile -t files < <(find src include testing tests examples bench fuzz \
     \( -name '*.cpp' -o -name '*.h' \) -type f 2>/dev/null | sort)
 
 bad=()

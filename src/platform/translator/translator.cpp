@@ -1,7 +1,10 @@
 #include <quandel/trans/translator.h>
 
+#include "qmfilecheck.h"
+
 #include <vexa/diagnostics/warning.h>
 
+#include <QFile>
 #include <QFileInfo>
 #include <QTranslator>
 
@@ -12,11 +15,27 @@
 
 namespace quandel::trans {
 
+namespace {
+
+// Far above any language file; a larger file is not read into memory.
+constexpr qint64 maxFileSize = 64 * 1024 * 1024;
+
+// One loaded file: QTranslator reads the bytes in place, so they live as long as it does and
+// are never written to.
+struct LoadedFile
+{
+    QByteArray bytes;
+    // Declared after the bytes, so destroyed before them.
+    std::unique_ptr<QTranslator> translator;
+};
+
+} // namespace
+
 struct Translator::Impl
 {
     std::shared_mutex mutex;
     QStringList languages;
-    std::map<QString, std::vector<std::unique_ptr<QTranslator>>> translators;
+    std::map<QString, std::vector<LoadedFile>> translators;
     QString current;
 };
 
@@ -34,16 +53,59 @@ bool Translator::load(const QString& path)
         return false;
     }
 
-    // An empty, non-null suffix and delimiter list make QTranslator open exactly this file
-    // instead of first trying "<path>.qm" and then names with parts of the path cut off.
-    const QString noSearch = QLatin1String("");
-    auto translator = std::make_unique<QTranslator>();
-    if (!translator->load(info.absoluteFilePath(), QString(), noSearch, noSearch)) {
+    // The file is read once; QTranslator is given the very bytes that were checked, so the
+    // file cannot change between the check and the lookups.
+    QFile file(info.absoluteFilePath());
+    if (!file.open(QIODevice::ReadOnly)) {
+        VEXA_WARNING(QStringLiteral("Translator: cannot read language file \"%1\"").arg(path));
+        return false;
+    }
+    LoadedFile loaded;
+    const qint64 size = file.size();
+    if (size <= maxFileSize) {
+        loaded.bytes = file.readAll();
+    }
+    file.close();
+    // Checked again after reading: the file may have grown meanwhile.
+    if (size > maxFileSize || loaded.bytes.size() > maxFileSize) {
+        VEXA_WARNING(QStringLiteral("Translator: language file \"%1\" is larger than the %2 bytes "
+                                    "a language file may have")
+                         .arg(path)
+                         .arg(maxFileSize));
+        return false;
+    }
+
+    // QTranslator trusts every length and offset in a file, so one corrupt byte can make a
+    // lookup read far outside it. The layout is checked here first.
+    const QmFileCheck check(loaded.bytes);
+    if (check.verdict() == QmFileCheck::Verdict::NotQmFile) {
+        VEXA_WARNING(QStringLiteral("Translator: \"%1\" is not a compiled language file (%2)")
+                         .arg(path, check.problem()));
+        return false;
+    }
+    if (!check.isValid()) {
+        VEXA_WARNING(
+            QStringLiteral("Translator: language file \"%1\" is malformed and not loaded: %2")
+                .arg(path, check.problem()));
+        return false;
+    }
+    // QTranslator would open each named file from disk by itself, unchecked and searching
+    // other names, so such a file is refused.
+    if (!check.dependencies().isEmpty()) {
+        VEXA_WARNING(QStringLiteral("Translator: language file \"%1\" depends on other files "
+                                    "(%2); load those files instead")
+                         .arg(path, check.dependencies().join(QStringLiteral(", "))));
+        return false;
+    }
+
+    loaded.translator = std::make_unique<QTranslator>();
+    const auto* const data = reinterpret_cast<const uchar*>(loaded.bytes.constData());
+    if (!loaded.translator->load(data, loaded.bytes.size())) {
         VEXA_WARNING(
             QStringLiteral("Translator: \"%1\" is not a compiled language file").arg(path));
         return false;
     }
-    const QString code = translator->language();
+    const QString code = loaded.translator->language();
     if (code.isEmpty()) {
         VEXA_WARNING(QStringLiteral("Translator: language file \"%1\" records no language; "
                                     "set the language attribute of its .ts source")
@@ -57,7 +119,7 @@ bool Translator::load(const QString& path)
     if (list.empty()) {
         d->languages.append(code);
     }
-    list.push_back(std::move(translator));
+    list.push_back(std::move(loaded));
     return true;
 }
 
@@ -89,8 +151,8 @@ QString Translator::lookup(const char* scope1, const char* scope2, const char* k
     if (it == d->translators.end()) {
         return QString();
     }
-    for (const auto& translator : it->second) {
-        QString text = translator->translate(scope1, key, scope2);
+    for (const LoadedFile& file : it->second) {
+        QString text = file.translator->translate(scope1, key, scope2);
         if (!text.isNull()) {
             return text;
         }

@@ -1,9 +1,13 @@
 #include <quandel/trans/translator.h>
 
+#include <vexainputsourcewidget/testing/warningrecorder.h>
+
+#include <QFile>
 #include <QRegularExpression>
 #include <QSet>
 #include <QTemporaryFile>
 #include <QTest>
+#include <QXmlStreamReader>
 
 #include <atomic>
 #include <thread>
@@ -11,12 +15,139 @@
 
 using quandel::trans::translate;
 using quandel::trans::Translator;
+using vexa::testing::LoggedMessage;
+using vexa::testing::WarningRecorder;
 
 namespace {
 
 QString qmFile(const char* name)
 {
     return QStringLiteral(VEXA_TEST_QM_DIR "/") + QLatin1String(name);
+}
+
+// A language file as the library ships it, compiled by the build.
+QString shippedFile(const char* code)
+{
+    return QStringLiteral(VEXA_TRANSLATIONS_BUILD_DIR "/vexainputsourcewidget_") +
+           QLatin1String(code) + QStringLiteral(".qm");
+}
+
+QByteArray contentsOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// One text of a .ts source: the two scopes and the key a lookup names it by.
+struct Key
+{
+    QByteArray scope1;
+    QByteArray scope2;
+    QByteArray key;
+};
+
+// Every message of the library's shipped .ts sources.
+std::vector<Key> shippedKeys()
+{
+    std::vector<Key> keys;
+    for (const QString& path : QStringLiteral(VEXA_TRANSLATION_SOURCES).split(QLatin1Char('|'))) {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly)) {
+            continue;
+        }
+        QXmlStreamReader xml(&file);
+        QByteArray context;
+        Key key;
+        while (!xml.atEnd()) {
+            xml.readNext();
+            if (xml.isEndElement() && xml.name() == QLatin1String("message")) {
+                keys.push_back(key);
+                continue;
+            }
+            if (!xml.isStartElement()) {
+                continue;
+            }
+            if (xml.name() == QLatin1String("message")) {
+                key = Key{context, {}, {}};
+            } else if (xml.name() == QLatin1String("name")) {
+                context = xml.readElementText().toUtf8();
+            } else if (xml.name() == QLatin1String("source")) {
+                key.key = xml.readElementText().toUtf8();
+            } else if (xml.name() == QLatin1String("comment")) {
+                key.scope2 = xml.readElementText().toUtf8();
+            }
+        }
+    }
+    return keys;
+}
+
+// Looks every key up the ways the library and a host may: with its scopes, without the second
+// scope, under another first scope. Returns how many lookups found a text.
+int lookUpEveryKey(const Translator& translator, const std::vector<Key>& keys)
+{
+    int found = 0;
+    for (const Key& key : keys) {
+        const char* const scope1 = key.scope1.constData();
+        const char* const scope2 = key.scope2.constData();
+        found += translator.lookup(scope1, scope2, key.key.constData()).isNull() ? 0 : 1;
+        found += translator.lookup(scope1, nullptr, key.key.constData()).isNull() ? 0 : 1;
+        found += translator.lookup("OtherScope", scope2, key.key.constData()).isNull() ? 0 : 1;
+        translate(translator, scope1, scope2, key.key.constData());
+    }
+    return found;
+}
+
+// A file whose contents the test sets, kept until the object goes.
+class ScratchFile
+{
+public:
+    ScratchFile() { m_file.open(); }
+
+    QString write(const QByteArray& bytes)
+    {
+        m_file.resize(0);
+        m_file.seek(0);
+        m_file.write(bytes);
+        m_file.flush();
+        return m_file.fileName();
+    }
+
+private:
+    QTemporaryFile m_file;
+};
+
+// Offset of the header of the first block with `tag` in a well-formed file, or -1.
+int blockOffset(const QByteArray& bytes, char tag)
+{
+    int position = 16;
+    while (position + 5 <= bytes.size()) {
+        if (bytes.at(position) == tag) {
+            return position;
+        }
+        const auto* const length = reinterpret_cast<const uchar*>(bytes.constData() + position + 1);
+        position += 5 + ((length[0] << 24) | (length[1] << 16) | (length[2] << 8) | length[3]);
+    }
+    return -1;
+}
+
+void setLength(QByteArray& bytes, int at, quint32 length)
+{
+    bytes[at] = static_cast<char>(length >> 24);
+    bytes[at + 1] = static_cast<char>(length >> 16);
+    bytes[at + 2] = static_cast<char>(length >> 8);
+    bytes[at + 3] = static_cast<char>(length);
+}
+
+// The warnings the translator logged about `path`.
+QStringList warningsAbout(const WarningRecorder& recorder, const QString& path)
+{
+    QStringList texts;
+    for (const LoggedMessage& message : recorder.messages()) {
+        if (message.type == QtWarningMsg && message.text.contains(path)) {
+            texts << message.text;
+        }
+    }
+    return texts;
 }
 
 } // namespace
@@ -43,6 +174,13 @@ private Q_SLOTS:
     void keyIsReturnedAsUtf8();
     void concurrentLookupsWhileSwitching();
     void concurrentLookupsWhileLoading();
+    void fileWithACorruptStringLengthIsRefused();
+    void emptyFileIsRefused();
+    void hugeLengthFieldsAreRefused();
+    void fileNamingDependenciesIsRefused();
+    void everyTruncationOfAShippedFileIsHarmless();
+    void everyFlippedByteOfAShippedFileIsHarmless();
+    void fileChangedAfterLoadingIsNotReadAgain();
 };
 
 void TestTranslator::startsWithoutLanguages()
@@ -310,6 +448,179 @@ void TestTranslator::concurrentLookupsWhileLoading()
     QCOMPARE(translator.languages(), QStringList({"zh_CN", "zh_TW"}));
     QCOMPARE(translate(translator, "InputSource", "Widget", "Rename"),
              QStringLiteral("重命名来源"));
+}
+
+void TestTranslator::fileWithACorruptStringLengthIsRefused()
+{
+    // The shipped Chinese file with the high byte of one source text's length set: QTranslator
+    // would accept it and read far past the file at the first lookup.
+    QByteArray bytes = contentsOf(shippedFile("zh_CN"));
+    QVERIFY(bytes.size() > 1200);
+    QCOMPARE(bytes.at(1193), '\x06'); // the source text field whose length follows
+    QCOMPARE(bytes.at(1194), '\x00');
+    bytes[1194] = '\xff';
+    ScratchFile scratch;
+    const QString path = scratch.write(bytes);
+
+    Translator translator;
+    QVERIFY(translator.load(shippedFile("en_US")));
+    WarningRecorder recorder;
+    QVERIFY(!translator.load(path));
+    const QStringList warnings = warningsAbout(recorder, path);
+    QCOMPARE(warnings.size(), 1);
+    QVERIFY2(warnings.first().contains(QStringLiteral("malformed")) &&
+                 warnings.first().contains(QStringLiteral("source text at offset 1193")),
+             qPrintable(warnings.first()));
+    QCOMPARE(translator.languages(), QStringList({"en_US"}));
+
+    const std::vector<Key> keys = shippedKeys();
+    QCOMPARE(keys.size(), std::size_t(3 * 55));
+    translator.switchLanguage(QStringLiteral("zh_CN"));
+    QCOMPARE(lookUpEveryKey(translator, keys), 0);
+    translator.switchLanguage(QStringLiteral("en_US"));
+    QVERIFY(lookUpEveryKey(translator, keys) > 0);
+    QCOMPARE(translate(translator, "InputSource", "Widget", "Cancel"), QStringLiteral("Cancel"));
+}
+
+void TestTranslator::emptyFileIsRefused()
+{
+    ScratchFile scratch;
+    const QString path = scratch.write(QByteArray());
+    Translator translator;
+    WarningRecorder recorder;
+    QVERIFY(!translator.load(path));
+    const QStringList warnings = warningsAbout(recorder, path);
+    QCOMPARE(warnings.size(), 1);
+    QVERIFY2(warnings.first().contains(QStringLiteral("is not a compiled language file")),
+             qPrintable(warnings.first()));
+    QVERIFY(translator.languages().isEmpty());
+}
+
+void TestTranslator::hugeLengthFieldsAreRefused()
+{
+    const QByteArray original = contentsOf(shippedFile("zh_CN"));
+    const int messagesBlock = blockOffset(original, '\x69');
+    QVERIFY(messagesBlock > 0);
+    // The block's own length, then the first field of the first record (a translation).
+    const std::vector<std::pair<int, quint32>> cases{
+        {messagesBlock + 1, 0xfffffff0U},
+        {messagesBlock + 1, 0x7fffffffU},
+        {messagesBlock + 6, 0x7ffffffeU},
+        {messagesBlock + 6, 0x80000000U},
+        {blockOffset(original, '\x42') + 1, 0xffffffffU},
+    };
+    ScratchFile scratch;
+    for (const auto& [at, length] : cases) {
+        QByteArray bytes = original;
+        setLength(bytes, at, length);
+        const QString path = scratch.write(bytes);
+        Translator translator;
+        WarningRecorder recorder;
+        QVERIFY2(!translator.load(path), qPrintable(QString::number(length, 16)));
+        const QStringList warnings = warningsAbout(recorder, path);
+        QCOMPARE(warnings.size(), 1);
+        QVERIFY2(warnings.first().contains(QStringLiteral("malformed")),
+                 qPrintable(warnings.first()));
+        QVERIFY(translator.languages().isEmpty());
+    }
+}
+
+void TestTranslator::fileNamingDependenciesIsRefused()
+{
+    // QTranslator would open the named file from disk itself, unchecked.
+    Translator translator;
+    WarningRecorder recorder;
+    QVERIFY(!translator.load(qmFile("dependency.qm")));
+    const QStringList warnings = warningsAbout(recorder, qmFile("dependency.qm"));
+    QCOMPARE(warnings.size(), 1);
+    QVERIFY2(warnings.first().contains(QStringLiteral("depends on other files (base_fr)")),
+             qPrintable(warnings.first()));
+    QVERIFY(translator.languages().isEmpty());
+}
+
+void TestTranslator::everyTruncationOfAShippedFileIsHarmless()
+{
+    const QByteArray original = contentsOf(shippedFile("zh_CN"));
+    QVERIFY(original.size() > 1000);
+    const std::vector<Key> keys = shippedKeys();
+    // A cut right after a block leaves a shorter file that is still whole: the language alone,
+    // say. Any other cut must be refused.
+    QSet<int> blockEnds;
+    for (int position = 16; position + 5 <= original.size();) {
+        const auto* const length =
+            reinterpret_cast<const uchar*>(original.constData() + position + 1);
+        position += 5 + ((length[0] << 24) | (length[1] << 16) | (length[2] << 8) | length[3]);
+        blockEnds.insert(position);
+    }
+    ScratchFile scratch;
+    int accepted = 0;
+    for (int size = 0; size < original.size(); ++size) {
+        const QString path = scratch.write(original.left(size));
+        Translator translator;
+        WarningRecorder recorder;
+        const bool loaded = translator.load(path);
+        if (!blockEnds.contains(size)) {
+            QVERIFY2(!loaded, qPrintable(QStringLiteral("cut at %1").arg(size)));
+            QCOMPARE(warningsAbout(recorder, path).size(), 1);
+            continue;
+        }
+        if (loaded) {
+            ++accepted;
+            translator.switchLanguage(translator.languages().value(0));
+            lookUpEveryKey(translator, keys);
+        }
+    }
+    QVERIFY(accepted <= blockEnds.size());
+}
+
+void TestTranslator::everyFlippedByteOfAShippedFileIsHarmless()
+{
+    const QByteArray original = contentsOf(shippedFile("zh_CN"));
+    QVERIFY(original.size() > 1000);
+    const std::vector<Key> keys = shippedKeys();
+    ScratchFile scratch;
+    int refused = 0;
+    int accepted = 0;
+    for (int at = 0; at < original.size(); ++at) {
+        for (const char flip : {'\xff', '\x01', '\x80'}) {
+            QByteArray bytes = original;
+            bytes[at] = static_cast<char>(bytes.at(at) ^ flip);
+            const QString path = scratch.write(bytes);
+            Translator translator;
+            WarningRecorder recorder;
+            if (!translator.load(path)) {
+                ++refused;
+                QCOMPARE(warningsAbout(recorder, path).size(), 1);
+                continue;
+            }
+            ++accepted;
+            // Whatever the flipped byte did to the texts, every lookup must return.
+            translator.switchLanguage(translator.languages().value(0));
+            lookUpEveryKey(translator, keys);
+        }
+    }
+    qInfo("%d altered files refused, %d accepted and looked up", refused, accepted);
+    // The magic number and the lengths alone make up a good part of the file.
+    QVERIFY(refused > 100);
+    // Flips inside texts leave the file well formed.
+    QVERIFY(accepted > 1000);
+}
+
+void TestTranslator::fileChangedAfterLoadingIsNotReadAgain()
+{
+    ScratchFile scratch;
+    const QString path = scratch.write(contentsOf(shippedFile("zh_CN")));
+    Translator translator;
+    QVERIFY(translator.load(path));
+    translator.switchLanguage(QStringLiteral("zh_CN"));
+    const QString before = translate(translator, "InputSource", "Widget", "Cancel");
+    QVERIFY(before != QStringLiteral("Cancel"));
+
+    // The translator keeps the bytes it checked; what happens to the file later is not seen.
+    scratch.write(QByteArray(4096, '\xff'));
+    QCOMPARE(translate(translator, "InputSource", "Widget", "Cancel"), before);
+    const std::vector<Key> keys = shippedKeys();
+    QVERIFY(lookUpEveryKey(translator, keys) > 0);
 }
 
 QTEST_GUILESS_MAIN(TestTranslator)

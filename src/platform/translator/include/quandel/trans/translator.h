@@ -27,8 +27,10 @@ public:
     Translator& operator=(const Translator&) = delete;
 
     /// Loads one compiled language file. Returns false, with a warning, when the file cannot be
-    /// read or records no language. A second file of a language already loaded is consulted
-    /// after the earlier ones of that language.
+    /// read, is malformed (its layout is checked before Qt reads it), names other files as
+    /// dependencies or records no language; the languages already loaded stay as they were.
+    /// The file is read once, into memory kept with its texts. A second file of a language
+    /// already loaded is consulted after the earlier ones of that language.
     bool load(const QString& path);
 
     /// Makes `code` (for example "zh_CN") the language of later lookups. A code with no loaded
