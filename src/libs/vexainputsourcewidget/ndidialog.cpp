@@ -269,8 +269,11 @@ void NdiDialog::Impl::walkEditsWithTab(const std::vector<NdiListItem*>& all)
     QWidget* previous = list;
     for (NdiListItem* const row : all) {
         auto* const edit = row->findChild<QWidget*>(QStringLiteral("ndiReceiverEdit"));
-        QWidget::setTabOrder(previous, edit);
-        previous = edit;
+        // The edit box passes the focus on to its line edit, which is what takes part in the
+        // chain.
+        QWidget* const stop = edit->focusProxy() != nullptr ? edit->focusProxy() : edit;
+        QWidget::setTabOrder(previous, stop);
+        previous = stop;
     }
     QWidget::setTabOrder(previous, refreshButton);
     QWidget::setTabOrder(refreshButton, cancelButton);
