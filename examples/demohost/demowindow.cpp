@@ -5,6 +5,7 @@
 
 #include <vexainputsourcewidget/inputsourcebox.h>
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>
+#include <vexainputsourcewidget/ndibox.h>
 #include <vexainputsourcewidget/version.h>
 
 #include <captureprobe/wgcsupport.h>
@@ -171,7 +172,10 @@ QWidget* DemoWindow::Impl::buildPanel()
     layout->setSpacing(0);
     const QString loading = ThemeLoader::loadingAnimation(ThemeLoader::themesDir());
     for (const Category& category : categories) {
-        auto* box = new InputSourceBox(column);
+        // The NDI box adds through its own dialog; the others add a made-up source at once.
+        InputSourceBox* const box = category.type == EnResourceType::NdiSource
+                                        ? new vexa::inputsource::NdiBox(column)
+                                        : new InputSourceBox(column);
         box->setObjectName(QStringLiteral("box%1").arg(quandel::resource::toCode(category.type)));
         box->setResourceType(category.type);
         box->setZQRuntime(&runtime);
@@ -221,8 +225,10 @@ void DemoWindow::Impl::bindBoxes()
         QObject::connect(
             box, &InputSourceBox::signalCheckInputSourceBeUsed, q,
             [mgr = manager.get()](uint64_t id) { return mgr->isInUse(id); }, Qt::DirectConnection);
-        QObject::connect(box, &InputSourceBox::signalAddClicked, q,
-                         [this, type] { addSource(type); });
+        if (type != EnResourceType::NdiSource) {
+            QObject::connect(box, &InputSourceBox::signalAddClicked, q,
+                             [this, type] { addSource(type); });
+        }
         box->setInputSourceMgr(manager);
     }
     // The frame thread calls this; the list of boxes is fixed from here on, and the sink is

@@ -429,7 +429,9 @@ void NdiDialog::Impl::updateList(const std::vector<STResourceRenamedModel>& mode
                 resumedState = &found->second;
             }
         }
-        item->setSizeHint(row->sizeHint());
+        // The row's layout asks for less than its fixed height of 36.
+        item->setSizeHint(
+            row->sizeHint().expandedTo(row->minimumSize()).boundedTo(row->maximumSize()));
         list->setItemWidget(item, row);
         connect(row, &NdiListItem::signalReceiverNameChanged, this, &Impl::slotReceiverNameChanged);
         connect(row, &NdiListItem::signalSelectChanged, this, &Impl::slotItemSelectChanged);
