@@ -234,6 +234,11 @@
         <translation>Screenshot mode</translation>
     </message>
     <message>
+        <source>SelectAll</source>
+        <comment>Widget</comment>
+        <translation>Select all</translation>
+    </message>
+    <message>
         <source>State</source>
         <comment>Widget</comment>
         <translation>Status</translation>

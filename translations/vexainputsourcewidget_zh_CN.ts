@@ -234,6 +234,11 @@
         <translation>截图模式</translation>
     </message>
     <message>
+        <source>SelectAll</source>
+        <comment>Widget</comment>
+        <translation>全选</translation>
+    </message>
+    <message>
         <source>State</source>
         <comment>Widget</comment>
         <translation>状态</translation>

@@ -234,6 +234,11 @@
         <translation>截圖模式</translation>
     </message>
     <message>
+        <source>SelectAll</source>
+        <comment>Widget</comment>
+        <translation>全選</translation>
+    </message>
+    <message>
         <source>State</source>
         <comment>Widget</comment>
         <translation>狀態</translation>

@@ -6,6 +6,7 @@
 #include <vexainputsourcewidget/capturecardbox.h>
 #include <vexainputsourcewidget/inputsourcebox.h>
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>
+#include <vexainputsourcewidget/ndibox.h>
 #include <vexainputsourcewidget/streamingbox.h>
 #include <vexainputsourcewidget/version.h>
 
@@ -31,6 +32,7 @@ namespace {
 using quandel::resource::EnResourceType;
 using vexa::inputsource::CaptureCardBox;
 using vexa::inputsource::InputSourceBox;
+using vexa::inputsource::NdiBox;
 using vexa::inputsource::StreamingBox;
 
 // The panel's categories, top to bottom. A category without a key has a fixed title that no
@@ -61,6 +63,8 @@ InputSourceBox* createBox(EnResourceType type, QWidget* parent)
         return new CaptureCardBox(parent);
     case EnResourceType::NetworkStream:
         return new StreamingBox(parent);
+    case EnResourceType::NdiSource:
+        return new NdiBox(parent);
     default: {
         auto* box = new InputSourceBox(parent);
         box->setResourceType(type);
@@ -238,8 +242,9 @@ void DemoWindow::Impl::bindBoxes()
         QObject::connect(
             box, &InputSourceBox::signalCheckInputSourceBeUsed, q,
             [mgr = manager.get()](uint64_t id) { return mgr->isInUse(id); }, Qt::DirectConnection);
-        // The stream box asks for its streams itself; the capture box has no add button.
-        if (qobject_cast<StreamingBox*>(box) == nullptr) {
+        // The stream and NDI boxes add through their own dialogs; the capture box has no add
+        // button; the web box still adds a made-up page at once.
+        if (qobject_cast<StreamingBox*>(box) == nullptr && qobject_cast<NdiBox*>(box) == nullptr) {
             QObject::connect(box, &InputSourceBox::signalAddClicked, q,
                              [this, type] { addSource(type); });
         }

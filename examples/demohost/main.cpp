@@ -10,7 +10,12 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QLineEdit>
+#include <QListWidget>
 #include <QMouseEvent>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QScreen>
 #include <QTimer>
 
 namespace {
@@ -59,6 +64,74 @@ void addStreamThroughTheDialog(demohost::DemoWindow& window, const QString& url,
     box->showDialog();
 }
 
+QWidget* ndiDialog()
+{
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->objectName() == QLatin1String("ndiDialog") && widget->isVisible()) {
+            return widget;
+        }
+    }
+    return nullptr;
+}
+
+QWidget* ndiRow(int index)
+{
+    QWidget* const dialog = ndiDialog();
+    auto* const list =
+        dialog == nullptr ? nullptr : dialog->findChild<QListWidget*>(QStringLiteral("ndiList"));
+    return list == nullptr || index >= list->count() ? nullptr
+                                                     : list->itemWidget(list->item(index));
+}
+
+void save(const QPixmap& picture, const QString& path)
+{
+    if (!picture.save(path)) {
+        QCoreApplication::exit(1);
+    }
+}
+
+// Opens the NDI dialog and saves three pictures while discovery fills it: the list after the
+// first answer (<base>-filling.png), some senders ticked (<base>-halfchecked.png) and a
+// receiver name refused with its notice open over the dialog (<base>-refused.png); then quits.
+void shootNdiDialog(QWidget* window, const QString& base)
+{
+    auto* const add = window->findChild<QWidget*>(QStringLiteral("box7"))
+                          ->findChild<QPushButton*>(QStringLiteral("boxAddButton"));
+    QTimer::singleShot(1000, add, &QPushButton::click);
+    QTimer::singleShot(1400, window, [base] {
+        if (QWidget* const dialog = ndiDialog()) {
+            save(dialog->grab(), base + QStringLiteral("-filling.png"));
+        }
+    });
+    QTimer::singleShot(2600, window, [base] {
+        for (const int index : {2, 4, 5}) {
+            if (QWidget* const row = ndiRow(index)) {
+                row->findChild<QPushButton*>(QStringLiteral("ndiCheckBtn"))->click();
+            }
+        }
+        if (QWidget* const dialog = ndiDialog()) {
+            save(dialog->grab(), base + QStringLiteral("-halfchecked.png"));
+        }
+    });
+    QTimer::singleShot(2800, window, [base] {
+        QTimer::singleShot(500, [base] {
+            save(QGuiApplication::primaryScreen()->grabWindow(0),
+                 base + QStringLiteral("-refused.png"));
+            QCoreApplication::exit(0);
+        });
+        QWidget* const row = ndiRow(3);
+        QWidget* const next = ndiRow(4);
+        if (row == nullptr || next == nullptr) {
+            return;
+        }
+        auto* const editor = row->findChild<QLineEdit*>(QStringLiteral("editor"));
+        editor->setFocus();
+        // A name another source already has; leaving the field asks the manager.
+        editor->setText(QStringLiteral("CAM-NORTH"));
+        next->findChild<QLineEdit*>(QStringLiteral("editor"))->setFocus();
+    });
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -95,6 +168,12 @@ int main(int argc, char** argv)
     parser.addOption(language);
     parser.addOption(streamDialog);
     parser.addOption(streamUrl);
+    const QCommandLineOption ndi(
+        QStringLiteral("ndi-dialog"),
+        QStringLiteral(
+            "With --screenshot <file>: open the NDI dialog and save three pictures of it "
+            "as <file>-filling.png, <file>-halfchecked.png and <file>-refused.png."));
+    parser.addOption(ndi);
     parser.process(app);
     app.setStyleSheet(vexa::widgets::defaultStyleSheet() +
                       demohost::ThemeLoader::styleSheet(demohost::ThemeLoader::themesDir()));
@@ -111,7 +190,11 @@ int main(int argc, char** argv)
         });
     }
 
-    if (parser.isSet(screenshot)) {
+    if (parser.isSet(screenshot) && parser.isSet(ndi)) {
+        QString base = parser.value(screenshot);
+        base.remove(QRegularExpression(QStringLiteral("\\.png$")));
+        shootNdiDialog(&window, base);
+    } else if (parser.isSet(screenshot)) {
         const QString path = parser.value(screenshot);
         QTimer::singleShot(2500, &window, [&window, path] {
             const bool saved = window.grab().save(path);

@@ -41,7 +41,16 @@ constexpr int32_t streamKind = toCode(EnResourceType::NetworkStream);
 
 constexpr auto frameInterval = std::chrono::milliseconds(1000 / SyntheticPicture::framesPerSecond);
 constexpr auto tickInterval = std::chrono::seconds(1);
-constexpr auto ndiScanTime = std::chrono::milliseconds(400);
+// A scan hears from the senders on the network over about a second, nearest first, and reports
+// what it has heard so far at each of these moments.
+struct ScanStep
+{
+    std::chrono::milliseconds after;
+    std::size_t heard;
+};
+constexpr ScanStep ndiScanSteps[] = {{std::chrono::milliseconds(250), 5},
+                                     {std::chrono::milliseconds(600), 9},
+                                     {std::chrono::milliseconds(1000), 12}};
 constexpr int thumbnailWidth = 336;
 constexpr int thumbnailHeight = 176;
 constexpr int32_t screenCaptureWebMode = 1;
@@ -72,7 +81,15 @@ std::vector<NdiSender> madeUpSenders()
     return {{"CAM-NORTH (Studio A)", "CAM-NORTH", "192.168.10.21"},
             {"REPLAY-1 (Replay)", "REPLAY-1", "192.168.10.34"},
             {"GFX-OUT (Graphics)", "GFX-OUT", "192.168.10.52"},
-            {"PTZ-3 (Hall)", "PTZ-3", "192.168.10.77"}};
+            {"PTZ-3 (Hall)", "PTZ-3", "192.168.10.77"},
+            {"STAGE-LEFT (Studio B)", "", "192.168.10.80"},
+            {"Commentary Booth Camera Two (Studio C)", "", "192.168.10.81"},
+            {"SLOMO (Replay)", "SLOMO", "192.168.10.90"},
+            {"DRONE-1 (Field)", "", "192.168.11.14"},
+            {"PRESENTER-PC (Laptop)", "Presenter", "192.168.11.23"},
+            {"SCOREBOARD (Graphics)", "Scores", "192.168.11.40"},
+            {"JIB (Studio A)", "", "192.168.11.41"},
+            {"CONFIDENCE (Monitor)", "", "192.168.12.5"}};
 }
 
 zq::mediacore::MetaValues describe(const STInputSource& record)
@@ -632,34 +649,31 @@ bool SimulatedInputSourceMgr::renameInputSource(const STResourceRenamedModel& mo
 
 void SimulatedInputSourceMgr::renameNdiReceiver(const STResourceRenamedModel& model)
 {
-    std::vector<STResourceRenamedModel> list;
-    {
-        std::lock_guard<std::mutex> lock(d->mutex);
-        const auto sender = std::find_if(d->senders.begin(), d->senders.end(), [&](const auto& s) {
-            return s.senderName == model.senderName && s.ipAddress == model.ipAddress;
-        });
-        if (sender == d->senders.end()) {
-            VEXA_WARNING(QStringLiteral("no NDI sender %1 at %2")
-                             .arg(QString::fromStdString(model.senderName),
-                                  QString::fromStdString(model.ipAddress)));
-            return;
-        }
-        sender->receiverName = model.name;
-        list = d->senderList();
+    // A sender is known by its address; the name its receiver gets shows in the next scan.
+    std::lock_guard<std::mutex> lock(d->mutex);
+    const auto sender = std::find_if(d->senders.begin(), d->senders.end(),
+                                     [&](const auto& s) { return s.ipAddress == model.ipAddress; });
+    if (sender == d->senders.end()) {
+        VEXA_WARNING(
+            QStringLiteral("no NDI sender at %1").arg(QString::fromStdString(model.ipAddress)));
+        return;
     }
-    d->onRuntime([list](SimulatedInputSourceMgr& mgr) { mgr.signalNdiSourcesUpdated(list); });
+    sender->receiverName = model.name;
 }
 
 void SimulatedInputSourceMgr::refreshNdiSources()
 {
-    d->later(ndiScanTime, [](SimulatedInputSourceMgr& mgr) {
-        std::vector<STResourceRenamedModel> list;
-        {
-            std::lock_guard<std::mutex> lock(mgr.d->mutex);
-            list = mgr.d->senderList();
-        }
-        mgr.signalNdiSourcesUpdated(list);
-    });
+    for (const ScanStep& step : ndiScanSteps) {
+        d->later(step.after, [heard = step.heard](SimulatedInputSourceMgr& mgr) {
+            std::vector<STResourceRenamedModel> list;
+            {
+                std::lock_guard<std::mutex> lock(mgr.d->mutex);
+                list = mgr.d->senderList();
+            }
+            list.resize(std::min(heard, list.size()));
+            mgr.signalNdiSourcesUpdated(list);
+        });
+    }
 }
 
 bool SimulatedInputSourceMgr::isNameRepeated(const std::string& name)
@@ -862,7 +876,7 @@ STInputSource SimulatedInputSourceMgr::makeRecord(int32_t type)
         const auto free = std::find_if(list.begin(), list.end(),
                                        [](const STResourceRenamedModel& s) { return s.flag == 0; });
         if (free != list.end()) {
-            record.name = free->name;
+            record.name = free->name.empty() ? free->senderName : free->name;
             record.address = free->ipAddress;
         } else {
             record.name = d->freeName(type);

@@ -24,8 +24,7 @@ void ManagerRelay::setResourceType(EnResourceType type)
 
 void ManagerRelay::detach()
 {
-    const std::lock_guard<std::mutex> guard(m_lock);
-    m_target = nullptr;
+    m_target.detach();
 }
 
 std::vector<sigslot::connection> ManagerRelay::connect(const std::shared_ptr<IInputSourceMgr>& mgr)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "queuedhandoff.h"
+#include "relaytarget.h"
 
 #include <vexainputsourcewidget/iinputsourcemgr.h>
 
@@ -9,13 +9,10 @@
 #include <vexa/diagnostics/warning.h>
 
 #include <QGenericArgument>
-#include <QMetaObject>
 #include <QObject>
-#include <QString>
 
 #include <atomic>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 namespace vexa::inputsource {
@@ -53,23 +50,13 @@ private:
     void onlineStatusChanged(const std::map<uint64_t, bool>& states, int type);
     void webInfoChanged(const std::weak_ptr<IInputSourceMgr>& mgr, const STWebOperation& operation);
 
-    // Queues `slot` on the target with the arguments, each named as the slot's meta-object
-    // knows its type. The lock makes detach() wait for a call being queued.
     template <typename... Args>
     void queue(const char* slot, Args... args)
     {
-        const std::lock_guard<std::mutex> guard(m_lock);
-        if (m_target == nullptr) {
-            return;
-        }
-        QueuedHandoff::release(m_target);
-        if (!QMetaObject::invokeMethod(m_target, slot, Qt::QueuedConnection, args...)) {
-            VEXA_WARNING(QStringLiteral("cannot queue %1").arg(QLatin1String(slot)));
-        }
+        m_target.queue(slot, args...);
     }
 
-    std::mutex m_lock;
-    QObject* m_target;
+    RelayTarget m_target;
     std::atomic<int> m_type;
 };
 
