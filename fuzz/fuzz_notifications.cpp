@@ -11,9 +11,9 @@
 //   id without tiles is skipped;
 // - a clear removes every tile;
 // - a rename, an online state, a preview and a resolution apply to the newest tile of the id;
-//   a rename or resolution about a source of another kind (by the record's type, or by the
-//   manager's resource when the record says 14) is dropped, and online states of another kind
-//   too; without a tile, a rename, resolution or online state of the box's kind is warned about.
+//   online states of another kind are dropped; a rename or a resolution carries no kind, so
+//   without a tile it is warned about whatever source it is about, as is an online state of
+//   the box's kind.
 //
 // The tiles are read through Qt's object tree, by the object names the library documents:
 // "nameEdit" (the text of its line edit "editor"), "state_online" / "state_offline" (the online
@@ -149,25 +149,6 @@ private:
         return found == m_tiles.end() || found->second.empty() ? nullptr : &found->second;
     }
 
-    // The manager's resource of `id`, as its getResourceById() finds it.
-    IInputSourceMgr::ResourcePtr knownResource(uint64_t id) const
-    {
-        const auto found = std::find_if(m_known.begin(), m_known.end(), [id](const auto& resource) {
-            return resource->getId() == id;
-        });
-        return found == m_known.end() ? nullptr : *found;
-    }
-
-    // Whether a record about `id` declaring `declaredType` is another kind's business.
-    bool concernsOtherType(uint64_t id, int declaredType) const
-    {
-        if (declaredType != unknownType) {
-            return declaredType != typeCode();
-        }
-        const IInputSourceMgr::ResourcePtr resource = knownResource(id);
-        return resource != nullptr && quandel::resource::toCode(resource->getType()) != typeCode();
-    }
-
     void fire(const std::function<void(FakeInputSourceMgr&)>& emitter)
     {
         m_mgr->setResources(m_known);
@@ -286,12 +267,10 @@ private:
         // Short enough for the editor's cap; the flag stays 0, since a set flag asks the
         // operator in a modal dialog.
         model.name = "n" + std::to_string(++m_made);
-        if (!concernsOtherType(model.id, unknownType)) {
-            if (std::vector<ModelTile>* const tiles = tilesOf(model.id)) {
-                tiles->back().name = QString::fromStdString(model.name);
-            } else {
-                ++m_expected[missingTile];
-            }
+        if (std::vector<ModelTile>* const tiles = tilesOf(model.id)) {
+            tiles->back().name = QString::fromStdString(model.name);
+        } else {
+            ++m_expected[missingTile];
         }
         fire([&model](FakeInputSourceMgr& mgr) {
             bool exists = false;
@@ -358,15 +337,14 @@ private:
         source.resolutionWidth = static_cast<int32_t>(m_input.u32());
         source.resolutionHeight = static_cast<int32_t>(m_input.between(-1, 4320));
         source.frameRate = static_cast<int32_t>(m_input.between(-1, 240));
-        if (!concernsOtherType(source.id, source.sourceType) && tilesOf(source.id) == nullptr) {
+        if (tilesOf(source.id) == nullptr) {
             ++m_expected[missingTile];
         }
         fire([&source](FakeInputSourceMgr& mgr) { mgr.signalResolutionUpdated(source); });
     }
 
-    // Runs the GUI thread's queue until the box has made every tile still to be made: the box
-    // makes the tiles of a notification a batch per turn of the event loop, so two turns in
-    // which the count stays put mean nothing is left to make.
+    // Runs the GUI thread's queue until it is empty and the tile count has settled: two turns in
+    // which the count stays put mean nothing the notifications queued is left.
     void drain()
     {
         int count = -1;

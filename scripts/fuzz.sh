@@ -33,7 +33,7 @@ fi
 sanitizers="-fsanitize=address,undefined -fno-sanitize-recover=undefined"
 CC=clang CXX=clang++ cmake -S . -B "$build_dir" -G Ninja "${launcher[@]}" \
     -DCMAKE_BUILD_TYPE=Debug \
-    -DCMAKE_CXX_FLAGS="-O1 -g -fno-omit-frame-pointer -fsanitize=fuzzer-no-link $sanitizers -include $PWD/fuzz/clangcompat.h" \
+    -DCMAKE_CXX_FLAGS="-O1 -g -fno-omit-frame-pointer -fsanitize=fuzzer-no-link $sanitizers" \
     -DCMAKE_EXE_LINKER_FLAGS="$sanitizers" \
     -DCMAKE_SHARED_LINKER_FLAGS="$sanitizers" \
     -DVEXA_FUZZ_ENGINE=libfuzzer \

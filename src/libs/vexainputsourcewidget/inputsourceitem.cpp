@@ -75,8 +75,11 @@ constexpr int screenshotWebMode = 1;
 // frame must post whatever its rate is.
 constexpr int noPostedFrameRate = -1;
 
-constexpr QLatin1String onlineName("state_online");
-constexpr QLatin1String offlineName("state_offline");
+// Sized by the literal, not by strlen(), which not every compiler evaluates at compile time.
+constexpr char onlineText[] = "state_online";
+constexpr char offlineText[] = "state_offline";
+constexpr QLatin1String onlineName(onlineText, sizeof onlineText - 1);
+constexpr QLatin1String offlineName(offlineText, sizeof offlineText - 1);
 
 QString runningTimeText(int seconds)
 {

