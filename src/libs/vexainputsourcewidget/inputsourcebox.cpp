@@ -19,6 +19,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace vexa::inputsource {
 
@@ -204,24 +205,30 @@ InputSourceItem* InputSourceBox::Impl::createItem(uint64_t id, const IResource& 
 
 void InputSourceBox::Impl::appendItem(uint64_t id, InputSourceItem* item)
 {
-    // The tile is in the layout, the index and on screen at once. Only its placement waits:
-    // with the layout switched off until the queued placement, a notification of thousands of
-    // sources is laid out once instead of once per tile.
-    if (!placementPending) {
-        placementPending = true;
-        flowLayout->setEnabled(false);
+    // The tile is in the layout and the index at once, so frames and later notifications find
+    // it. Showing and placing it wait for one queued call per notification: shown one by one,
+    // in a visible area and with the notification's remaining calls still queued, every tile
+    // would have Qt post events that it compresses by scanning that queue, and the flow layout
+    // would place every tile again.
+    if (unplaced.empty()) {
         QMetaObject::invokeMethod(this, &Impl::placeNewItems, Qt::QueuedConnection);
     }
+    item->hide();
     flowLayout->addWidget(item);
     index.add(id, item);
+    unplaced.emplace_back(item);
     titleButton->setChecked(true);
     itemArea->show();
-    item->show();
 }
 
 void InputSourceBox::Impl::placeNewItems()
 {
-    placementPending = false;
+    flowLayout->setEnabled(false);
+    for (const QPointer<InputSourceItem>& item : std::exchange(unplaced, {})) {
+        if (!item.isNull() && !ModalLoop::isRunning(item)) {
+            item->show();
+        }
+    }
     flowLayout->setEnabled(true);
     flowLayout->activate();
     itemArea->adjustSize();

@@ -13,6 +13,7 @@
 #include <vexa/widgets/tipdialog.h>
 
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <QVariant>
 
@@ -102,8 +103,9 @@ public:
     // previous manager reaches the box once it is detached.
     std::shared_ptr<ManagerRelay> relay;
     std::vector<sigslot::connection> connections;
-    // New tiles are placed by the flow layout once per notification rather than one by one.
-    bool placementPending = false;
+    // New tiles, shown and placed by the flow layout once per notification rather than one by
+    // one.
+    std::vector<QPointer<InputSourceItem>> unplaced;
     // Renames wait here while a notice about an earlier one is open, so that notices come one
     // at a time and renames apply in the manager's order.
     std::deque<STResourceRenamedModel> pendingRenames;

@@ -214,7 +214,11 @@ void InputSourceItem::Impl::buildLayout()
     q->setProperty("style", QStringLiteral("BG4"));
     q->setProperty("radius", QStringLiteral("M"));
 
-    auto* const tileLayout = new QHBoxLayout(q);
+    // The layouts are filled before they are installed. A layout installed on its widget first
+    // would ask for a relayout through Qt's event queue as soon as it gets its first item, and
+    // Qt compresses such requests by walking the whole queue, which holds every other queued
+    // tile of a large notification. Installed filled, the layouts are laid out when shown.
+    auto* const tileLayout = new QHBoxLayout;
     tileLayout->setContentsMargins(0, 0, 0, 0);
 
     border = new QWidget(q);
@@ -222,8 +226,9 @@ void InputSourceItem::Impl::buildLayout()
     border->setProperty("select", false);
     border->setProperty("radius", QStringLiteral("M"));
     tileLayout->addWidget(border);
+    q->setLayout(tileLayout);
 
-    auto* const column = new QVBoxLayout(border);
+    auto* const column = new QVBoxLayout;
     column->setSpacing(2);
     column->setContentsMargins(1, 1, 1, 1);
 
@@ -266,6 +271,7 @@ void InputSourceItem::Impl::buildLayout()
     resolutionBox->setFixedHeight(chooserHeight);
     resolutionBox->setEnabled(false);
     infoRow->addWidget(resolutionBox);
+    border->setLayout(column);
     resolutionBox->hide();
 
     // The floating children lie over the border widget in creation order, the last on top.
@@ -274,7 +280,7 @@ void InputSourceItem::Impl::buildLayout()
     cover->setProperty("style", QStringLiteral("BG5"));
     cover->setProperty("radius", QStringLiteral("M"));
     cover->setGeometry(1, 1, thumbnailWidth, thumbnailHeight);
-    auto* const coverLayout = new QHBoxLayout(cover);
+    auto* const coverLayout = new QHBoxLayout;
     coverLayout->setContentsMargins(0, 0, 0, 0);
     loadingLabel = new QLabel(cover);
     loadingLabel->setObjectName(QStringLiteral("loadingLabel"));
@@ -282,6 +288,7 @@ void InputSourceItem::Impl::buildLayout()
     loadingLabel->setScaledContents(true);
     loadingLabel->setProperty("radius", QStringLiteral("M"));
     coverLayout->addWidget(loadingLabel, 0, Qt::AlignCenter);
+    cover->setLayout(coverLayout);
     cover->hide();
 
     surface = new DiplayWind(q);
