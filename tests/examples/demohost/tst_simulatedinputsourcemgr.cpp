@@ -638,9 +638,9 @@ void TestSimulatedInputSourceMgr::refreshNdiSourcesReportsTheSendersOnTheRuntime
         mgr->refreshNdiSources();
         return true;
     });
-    // The scan takes a moment, like a real one.
+    // The scan takes a moment and answers in steps, like a real one.
     QVERIFY(journal.waitFor("sender:192.168.10.21:1", 0));
-    QVERIFY(journal.has("sender:192.168.10.34:0", 0));
+    QVERIFY(journal.waitFor("sender:192.168.10.34:0", 0));
     QVERIFY(journal.allOnRuntime());
 
     const STInputSource next = mgr->makeRecord(ndiKind);
