@@ -146,13 +146,6 @@ bool InputSourceBox::Impl::isCaptureBox() const
     return resourceType == EnResourceType::LocalCaptureDevice;
 }
 
-void InputSourceBox::Impl::setStyleProperty(QWidget* widget, const char* property,
-                                            const QVariant& value)
-{
-    widget->setProperty(property, value);
-    vexa::widgets::repolish(widget);
-}
-
 InputSourceItem* InputSourceBox::Impl::createItem(uint64_t id, const IResource& resource,
                                                   const zq::mediacore::IMeta& meta)
 {
@@ -270,8 +263,8 @@ void InputSourceBox::Impl::slotTitleToggled(bool isChecked)
     if (!isChecked || flowLayout->count() > 0) {
         itemArea->setVisible(isChecked);
     }
-    setStyleProperty(arrowLabel, "labelImage",
-                     isChecked ? QStringLiteral("down") : QStringLiteral("right"));
+    vexa::widgets::setStyleProperty(arrowLabel, "labelImage",
+                                    isChecked ? QStringLiteral("down") : QStringLiteral("right"));
 }
 
 void InputSourceBox::Impl::slotItemSelect(uint64_t id)
@@ -340,7 +333,8 @@ void InputSourceBox::setAddBtnVisible(bool visible)
 void InputSourceBox::setAddVisible(bool enable)
 {
     d->addButton->setEnabled(enable);
-    d->setStyleProperty(d->addButton, "imageBtn", enable ? QStringLiteral("close") : QString());
+    vexa::widgets::setStyleProperty(d->addButton, "imageBtn",
+                                    enable ? QStringLiteral("close") : QString());
 }
 
 void InputSourceBox::setPreviewBtnVisible(bool visible)

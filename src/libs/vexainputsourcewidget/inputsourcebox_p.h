@@ -68,7 +68,6 @@ public:
     std::vector<InputSourceItem*> items() const;
     bool isInUse(uint64_t id) const;
     bool isCaptureBox() const;
-    static void setStyleProperty(QWidget* widget, const char* property, const QVariant& value);
 
     // Binding.
     void bind(const std::shared_ptr<IInputSourceMgr>& mgr);

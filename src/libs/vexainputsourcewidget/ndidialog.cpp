@@ -48,12 +48,6 @@ constexpr int statusSpacing = 20;
 constexpr int buttonsSpacing = 4;
 constexpr int nameRepeatGuardMs = 200;
 
-void setStyleProperty(QWidget* widget, const char* property, const QString& value)
-{
-    widget->setProperty(property, value);
-    vexa::widgets::repolish(widget);
-}
-
 } // namespace
 
 class NdiDialog::Impl : public QObject
@@ -215,7 +209,7 @@ void NdiDialog::Impl::connectWidgets()
 
 void NdiDialog::Impl::setStatus(const char* key, const char* style)
 {
-    setStyleProperty(statusLabel, "style", QLatin1String(style));
+    vexa::widgets::setStyleProperty(statusLabel, "style", QLatin1String(style));
     statusLabel->setText(trKey(key));
 }
 
@@ -282,7 +276,7 @@ void NdiDialog::Impl::walkEditsWithTab(const std::vector<NdiListItem*>& all)
 
 void NdiDialog::Impl::onSelectAllChecked(bool isChecked)
 {
-    setStyleProperty(selectAllButton, "checkStyle", QStringLiteral("checked"));
+    vexa::widgets::setStyleProperty(selectAllButton, "checkStyle", QStringLiteral("checked"));
     for (NdiListItem* const row : rows()) {
         if (!row->isAdded()) {
             row->setChecked(isChecked);
@@ -346,12 +340,13 @@ void NdiDialog::Impl::slotItemSelectChanged()
         all = all && row->isChecked();
     }
     if (!all && some) {
-        setStyleProperty(selectAllButton, "checkStyle", QStringLiteral("halfChecked"));
+        vexa::widgets::setStyleProperty(selectAllButton, "checkStyle",
+                                        QStringLiteral("halfChecked"));
         selectAllButton->setChecked(true);
     } else if (!all) {
         selectAllButton->setChecked(false);
     } else {
-        setStyleProperty(selectAllButton, "checkStyle", QStringLiteral("checked"));
+        vexa::widgets::setStyleProperty(selectAllButton, "checkStyle", QStringLiteral("checked"));
         // Without a selectable row there is nothing to show as ticked.
         selectAllButton->setChecked(some);
     }

@@ -27,12 +27,6 @@ constexpr int receiverNameLimit = 20;
 // EditBox's own default: no limit a person would reach.
 constexpr int unlimitedLength = 32767;
 
-void setStyleProperty(QWidget* widget, const char* property, const QString& value)
-{
-    widget->setProperty(property, value);
-    vexa::widgets::repolish(widget);
-}
-
 QLineEdit* editorOf(const vexa::widgets::EditBox& edit)
 {
     return edit.findChild<QLineEdit*>(QStringLiteral("editor"));
@@ -209,8 +203,8 @@ void NdiListItem::setRenamedModel(const vexa::STResourceRenamedModel& model)
     d->checkButton->setEnabled(!added);
     d->ipLabel->setEnabled(!added);
 
-    setStyleProperty(d->stateLabel, "style",
-                     added ? QStringLiteral("grayHint") : QStringLiteral("yellowHint"));
+    vexa::widgets::setStyleProperty(
+        d->stateLabel, "style", added ? QStringLiteral("grayHint") : QStringLiteral("yellowHint"));
     d->setStateText(trKey(added ? "Added" : "NotAdded"));
 }
 

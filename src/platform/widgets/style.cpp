@@ -25,6 +25,12 @@ QString defaultStyleSheet()
     return QString::fromUtf8(file.readAll());
 }
 
+void setStyleProperty(QWidget* widget, const char* property, const QVariant& value)
+{
+    widget->setProperty(property, value);
+    repolish(widget);
+}
+
 void repolish(QWidget* widget, RepolishScope scope)
 {
     if (widget == nullptr) {

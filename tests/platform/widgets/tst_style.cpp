@@ -26,6 +26,7 @@ private Q_SLOTS:
     void qtParsesItWithoutComplaint();
     void itColoursTheKit();
     void repolishReachesDescendantsOnlyWhenAsked();
+    void setStylePropertyAppliesTheRuleAtOnce();
 };
 
 void TestStyle::defaultStyleSheetIsThere()
@@ -157,6 +158,20 @@ void TestStyle::repolishReachesDescendantsOnlyWhenAsked()
     QCOMPARE(child->palette().color(QPalette::WindowText), QColor(1, 1, 1));
     vexa::widgets::repolish(&parent, RepolishScope::WidgetAndDescendants);
     QCOMPARE(child->palette().color(QPalette::WindowText), QColor(2, 2, 2));
+}
+
+void TestStyle::setStylePropertyAppliesTheRuleAtOnce()
+{
+    QWidget window;
+    window.setStyleSheet(
+        QStringLiteral("QLabel[style=\"errorHint\"] { color: rgb(200, 10, 20); }"));
+    auto* const label = new QLabel(QStringLiteral("hint"), &window);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QVERIFY(label->palette().color(QPalette::WindowText) != QColor(200, 10, 20));
+    vexa::widgets::setStyleProperty(label, "style", QStringLiteral("errorHint"));
+    QCOMPARE(label->property("style").toString(), QStringLiteral("errorHint"));
+    QCOMPARE(label->palette().color(QPalette::WindowText), QColor(200, 10, 20));
 }
 
 QTEST_MAIN(TestStyle)

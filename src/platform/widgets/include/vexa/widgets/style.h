@@ -3,6 +3,7 @@
 #include <vexa/widgets/vexa_widgets_export.h>
 
 #include <QString>
+#include <QVariant>
 
 class QWidget;
 
@@ -26,5 +27,10 @@ VEXA_WIDGETS_EXPORT QString defaultStyleSheet();
 /// Use WidgetAndDescendants when rules select children by a property of this widget. GUI thread
 /// only.
 VEXA_WIDGETS_EXPORT void repolish(QWidget* widget, RepolishScope scope = RepolishScope::Widget);
+
+/// Sets the dynamic property `property` of `widget` to `value` and repolishes the widget, so
+/// that style sheet rules selecting on the property follow at once. GUI thread only.
+VEXA_WIDGETS_EXPORT void setStyleProperty(QWidget* widget, const char* property,
+                                          const QVariant& value);
 
 } // namespace vexa::widgets
