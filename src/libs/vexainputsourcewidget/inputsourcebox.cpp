@@ -7,6 +7,7 @@
 
 #include <XJ/Utils/flowlayout.h>
 #include <vexa/widgets/pushbutton.h>
+#include <vexa/widgets/quietlayout.h>
 #include <vexa/widgets/style.h>
 #include <zq/mediacore/imeta.h>
 
@@ -200,13 +201,14 @@ void InputSourceBox::Impl::appendItem(uint64_t id, InputSourceItem* item)
 {
     // The tile is in the layout and the index at once, so frames and later notifications find
     // it. Showing and placing it wait for one queued call per notification: shown one by one,
-    // in a visible area and with the notification's remaining calls still queued, every tile
-    // would have Qt post events that it compresses by scanning that queue, and the flow layout
-    // would place every tile again.
+    // the flow layout would place every tile again. Settled while hidden, the tile posts no
+    // relayout request when it is shown; Qt would merge each with those already queued by
+    // walking the queue, which holds the events of every tile of a large notification.
     if (unplaced.empty()) {
         QMetaObject::invokeMethod(this, &Impl::placeNewItems, Qt::QueuedConnection);
     }
     item->hide();
+    vexa::widgets::settleLayouts(item);
     flowLayout->addWidget(item);
     index.add(id, item);
     unplaced.emplace_back(item);

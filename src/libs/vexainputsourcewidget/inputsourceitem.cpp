@@ -14,12 +14,12 @@
 #include <vexa/widgets/editbox.h>
 #include <vexa/widgets/elidinglabel.h>
 #include <vexa/widgets/pushbutton.h>
+#include <vexa/widgets/quietlayout.h>
 #include <vexa/widgets/style.h>
 #include <zq/mediacore/iframe.h>
 #include <zq/mediacore/imeta.h>
 #include <zqctuils/floatcomparison.h>
 
-#include <QAbstractItemView>
 #include <QAction>
 #include <QContextMenuEvent>
 #include <QCursor>
@@ -214,10 +214,8 @@ void InputSourceItem::Impl::buildLayout()
     q->setProperty("style", QStringLiteral("BG4"));
     q->setProperty("radius", QStringLiteral("M"));
 
-    // The layouts are filled before they are installed. A layout installed on its widget first
-    // would ask for a relayout through Qt's event queue as soon as it gets its first item, and
-    // Qt compresses such requests by walking the whole queue, which holds every other queued
-    // tile of a large notification. Installed filled, the layouts are laid out when shown.
+    // Boxes build hundreds of tiles in one pass of the event loop: the layouts are installed
+    // quietly, so that building a tile posts no relayout request (see quietlayout.h).
     auto* const tileLayout = new QHBoxLayout;
     tileLayout->setContentsMargins(0, 0, 0, 0);
 
@@ -226,7 +224,7 @@ void InputSourceItem::Impl::buildLayout()
     border->setProperty("select", false);
     border->setProperty("radius", QStringLiteral("M"));
     tileLayout->addWidget(border);
-    q->setLayout(tileLayout);
+    vexa::widgets::installQuietly(q, tileLayout);
 
     auto* const column = new QVBoxLayout;
     column->setSpacing(2);
@@ -267,11 +265,10 @@ void InputSourceItem::Impl::buildLayout()
     resolutionBox = new vexa::widgets::ComboBox();
     resolutionBox->setObjectName(QStringLiteral("resolutionBox"));
     resolutionBox->setProperty("fontSize", QStringLiteral("S"));
-    resolutionBox->view()->setProperty("fontSize", QStringLiteral("S"));
     resolutionBox->setFixedHeight(chooserHeight);
     resolutionBox->setEnabled(false);
     infoRow->addWidget(resolutionBox);
-    border->setLayout(column);
+    vexa::widgets::installQuietly(border, column);
     resolutionBox->hide();
 
     // The floating children lie over the border widget in creation order, the last on top.
@@ -288,7 +285,7 @@ void InputSourceItem::Impl::buildLayout()
     loadingLabel->setScaledContents(true);
     loadingLabel->setProperty("radius", QStringLiteral("M"));
     coverLayout->addWidget(loadingLabel, 0, Qt::AlignCenter);
-    cover->setLayout(coverLayout);
+    vexa::widgets::installQuietly(cover, coverLayout);
     cover->hide();
 
     surface = new DiplayWind(q);

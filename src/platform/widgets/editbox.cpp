@@ -2,6 +2,9 @@
 
 #include "restyle.h"
 
+#include <vexa/widgets/elidinglabel.h>
+#include <vexa/widgets/quietlayout.h>
+
 #include <QApplication>
 #include <QFocusEvent>
 #include <QKeyEvent>
@@ -42,7 +45,9 @@ struct EditBox::Impl : QObject
     EditBox* const q;
     QStackedLayout* const stack;
     QLineEdit* const editor;
-    QLabel* const label;
+    // Elides at paint time: a box resized or shown sets no text, which would have its layout
+    // ask for a relayout, and the label's text stays the whole text for screen readers.
+    ElidingLabel* const label;
     // The text the current edit began with: what Escape and an emptied edit return to.
     QString committed;
     int maxLength = defaultMaxLength;
@@ -54,9 +59,9 @@ struct EditBox::Impl : QObject
 
 EditBox::Impl::Impl(EditBox* owner)
     : q(owner)
-    , stack(new QStackedLayout(owner))
+    , stack(new QStackedLayout)
     , editor(new QLineEdit(owner))
-    , label(new QLabel(owner))
+    , label(new ElidingLabel(owner))
 {
     editor->setObjectName(QStringLiteral("editor"));
     label->setObjectName(QStringLiteral("label"));
@@ -65,24 +70,18 @@ EditBox::Impl::Impl(EditBox* owner)
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 
     stack->setContentsMargins(0, 0, 0, 0);
+    installQuietly(owner, stack);
     stack->addWidget(editor);
     stack->addWidget(label);
     q->setFocusProxy(editor);
 
     editor->installEventFilter(this);
-    label->installEventFilter(this);
     // Without trigger-edit mode typing after Enter begins the next edit without a new focus.
     QObject::connect(editor, &QLineEdit::textEdited, this, [this] { editing = true; });
 }
 
 bool EditBox::Impl::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == label) {
-        if (event->type() == QEvent::Resize) {
-            updateLabel();
-        }
-        return false;
-    }
     if (watched != editor) {
         if (pressedOutsideEditor(watched, event)) {
             finish();
@@ -191,10 +190,7 @@ void EditBox::Impl::showEditor(bool show)
 
 void EditBox::Impl::updateLabel()
 {
-    const QString shown =
-        label->fontMetrics().elidedText(committed, Qt::ElideRight, label->contentsRect().width());
-    label->setText(shown);
-    label->setToolTip(shown == committed ? QString() : committed);
+    label->setText(committed);
 }
 
 void EditBox::Impl::applyMaxLength()

@@ -33,8 +33,10 @@ private Q_SLOTS:
     void textActivatedFiresWhenTheOperatorStepsWithTheKeyboard();
     void textActivatedFiresWhenPickedInThePopup();
     void popupViewCarriesFontSize();
+    void popupBuiltLaterTakesFontSize();
     void popupViewIsRepolishedOnChange();
     void itemsAreDrawnByAStyledDelegate();
+    void aBoxNeverOpenedBuildsNoPopup();
 };
 
 void TestComboBox::addsAndFindsItems()
@@ -93,6 +95,24 @@ void TestComboBox::popupViewCarriesFontSize()
     QCOMPARE(box.view()->property("fontSize").toString(), QStringLiteral("M"));
 }
 
+void TestComboBox::popupBuiltLaterTakesFontSize()
+{
+    ComboBox box;
+    fill(box);
+    box.setProperty("fontSize", QStringLiteral("S"));
+    QVERIFY(box.findChild<QAbstractItemView*>() == nullptr);
+    QCOMPARE(box.view()->property("fontSize").toString(), QStringLiteral("S"));
+
+    ComboBox opened;
+    fill(opened);
+    opened.setProperty("fontSize", QStringLiteral("L"));
+    opened.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&opened));
+    opened.showPopup();
+    QCOMPARE(opened.view()->property("fontSize").toString(), QStringLiteral("L"));
+    opened.hidePopup();
+}
+
 void TestComboBox::popupViewIsRepolishedOnChange()
 {
     ComboBox box;
@@ -112,7 +132,22 @@ void TestComboBox::popupViewIsRepolishedOnChange()
 void TestComboBox::itemsAreDrawnByAStyledDelegate()
 {
     ComboBox box;
+    fill(box);
+    box.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&box));
+    box.showPopup();
     QVERIFY(qobject_cast<QStyledItemDelegate*>(box.itemDelegate()) != nullptr);
+    box.hidePopup();
+}
+
+void TestComboBox::aBoxNeverOpenedBuildsNoPopup()
+{
+    ComboBox box;
+    fill(box);
+    box.setProperty("fontSize", QStringLiteral("S"));
+    box.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&box));
+    QVERIFY(box.findChild<QAbstractItemView*>() == nullptr);
 }
 
 QTEST_MAIN(TestComboBox)

@@ -8,10 +8,11 @@
 
 namespace vexa::widgets {
 
-/// The kit's text field: a line edit ("editor") and, in trigger-edit mode, a plain label
+/// The kit's text field: a line edit ("editor") and, in trigger-edit mode, an ElidingLabel
 /// ("label") that shows the text until editing is triggered (beginEdit(), or a double click
-/// when allowed), as names on tiles are edited in place. Without trigger-edit mode it is an
-/// always-editable line edit.
+/// when allowed), as names on tiles are edited in place. The label holds the whole text and
+/// cuts it only where it paints, offering the whole text as tool-tip then. Without trigger-edit
+/// mode it is an always-editable line edit.
 ///
 /// An edit begins with beginEdit() or when the editor takes the focus, and ends with Enter or
 /// when the focus leaves (not for a popup such as the editor's own context menu): the box then
