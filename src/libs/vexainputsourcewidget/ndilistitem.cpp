@@ -99,7 +99,10 @@ void NdiListItem::Impl::build()
     stateLabel->setAlignment(Qt::AlignCenter);
     stateLabel->setProperty("style", QStringLiteral("yellowHint"));
 
-    auto* const layout = new QHBoxLayout(q);
+    // Filled before it is installed: installed first, it would ask for a relayout through Qt's
+    // event queue, and Qt compresses such requests by walking the whole queue, which holds the
+    // events of every row built before this one in the same list.
+    auto* const layout = new QHBoxLayout;
     layout->setContentsMargins(8, 0, 6, 0);
     layout->setSpacing(8);
     layout->addWidget(checkButton);
@@ -107,6 +110,7 @@ void NdiListItem::Impl::build()
     layout->addWidget(senderLabel);
     layout->addWidget(receiverEdit);
     layout->addWidget(stateLabel);
+    q->setLayout(layout);
 
     connect(checkButton, &QPushButton::clicked, this, &Impl::onCheckBtnClicked);
     connect(receiverEdit, &vexa::widgets::EditBox::editingFinished, this,

@@ -54,7 +54,7 @@ struct EditBox::Impl : QObject
 
 EditBox::Impl::Impl(EditBox* owner)
     : q(owner)
-    , stack(new QStackedLayout(owner))
+    , stack(new QStackedLayout)
     , editor(new QLineEdit(owner))
     , label(new QLabel(owner))
 {
@@ -67,6 +67,9 @@ EditBox::Impl::Impl(EditBox* owner)
     stack->setContentsMargins(0, 0, 0, 0);
     stack->addWidget(editor);
     stack->addWidget(label);
+    // Installed filled: a layout installed empty asks for a relayout through Qt's event queue,
+    // which Qt compresses by walking the whole queue, long while a list builds many boxes.
+    q->setLayout(stack);
     q->setFocusProxy(editor);
 
     editor->installEventFilter(this);
