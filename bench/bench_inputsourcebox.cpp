@@ -6,6 +6,7 @@
 // The manager's notifications are fired on a real runtime thread, as a host fires them; what is
 // timed is what the GUI thread does with them.
 
+#include "support/eventloop.h"
 #include "support/offscreenplatform.h"
 #include "support/runwithratios.h"
 
@@ -117,24 +118,7 @@ struct BoxFixture
     // Processes events until `done` holds; false when it did not within the time-out.
     static bool settle(const std::function<bool()>& done)
     {
-        const Clock::time_point deadline = Clock::now() + kSettleTimeout;
-        while (!done()) {
-            if (Clock::now() > deadline) {
-                return false;
-            }
-            QCoreApplication::processEvents();
-        }
-        return true;
-    }
-
-    // Lets the GUI thread finish what the last step left queued (show and layout requests,
-    // repolishing, painting), so that a timed section that follows handles nothing else.
-    static void drain()
-    {
-        for (int pass = 0; pass < 5; ++pass) {
-            QCoreApplication::sendPostedEvents();
-            QCoreApplication::processEvents();
-        }
+        return vexa::bench::processEventsUntil(done, kSettleTimeout);
     }
 
     // The layout has placed the tiles in rows: the last one sits where the rows of the first
@@ -221,7 +205,7 @@ BoxFixture* populatedBox(int tiles)
             return nullptr;
         }
     }
-    BoxFixture::drain();
+    vexa::bench::drainEvents();
     return box.get();
 }
 
@@ -265,7 +249,7 @@ void BM_AddTiles(benchmark::State& state)
     for (auto _ : state) {
         state.PauseTiming();
         auto fixture = std::make_unique<BoxFixture>();
-        BoxFixture::drain();
+        vexa::bench::drainEvents();
         state.ResumeTiming();
         const double heapBefore = heapInUse();
         const Clock::time_point start = Clock::now();

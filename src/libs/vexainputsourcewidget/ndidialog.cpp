@@ -48,6 +48,14 @@ constexpr int statusSpacing = 20;
 constexpr int buttonsSpacing = 4;
 constexpr int nameRepeatGuardMs = 200;
 
+// Where Tab stops in a row: the receiver name's line edit, to which its edit box passes the
+// focus on.
+QWidget* tabStopOf(const NdiListItem& row)
+{
+    auto* const edit = row.findChild<QWidget*>(QStringLiteral("ndiReceiverEdit"));
+    return edit->focusProxy() != nullptr ? edit->focusProxy() : edit;
+}
+
 } // namespace
 
 class NdiDialog::Impl : public QObject
@@ -258,18 +266,16 @@ void NdiDialog::Impl::clearRows()
 
 void NdiDialog::Impl::walkEditsWithTab(const std::vector<NdiListItem*>& all)
 {
-    // New rows join the end of the window's focus chain; Tab goes from the list through the
-    // receiver names in list order, then to the buttons.
-    QWidget* previous = list;
-    for (NdiListItem* const row : all) {
-        auto* const edit = row->findChild<QWidget*>(QStringLiteral("ndiReceiverEdit"));
-        // The edit box passes the focus on to its line edit, which is what takes part in the
-        // chain.
-        QWidget* const stop = edit->focusProxy() != nullptr ? edit->focusProxy() : edit;
-        QWidget::setTabOrder(previous, stop);
-        previous = stop;
+    // New rows join the end of the window's focus chain, in list order; Tab goes from the list
+    // through the receiver names, then to the buttons. Only the ends are moved: moving every
+    // name would leave the rest of its row behind, and Qt walks past all of that (widgets
+    // taking no focus) for each name moved after it.
+    QWidget* last = list;
+    if (!all.empty()) {
+        QWidget::setTabOrder(list, tabStopOf(*all.front()));
+        last = tabStopOf(*all.back());
     }
-    QWidget::setTabOrder(previous, refreshButton);
+    QWidget::setTabOrder(last, refreshButton);
     QWidget::setTabOrder(refreshButton, cancelButton);
     QWidget::setTabOrder(cancelButton, confirmButton);
 }
@@ -406,13 +412,18 @@ void NdiDialog::Impl::updateList(const std::vector<STResourceRenamedModel>& mode
     clearRows();
     selectAllButton->setChecked(false);
 
+    // Every item is in the list before any has its row: once items have widgets, each item the
+    // shown list gains has it lay out all items and place all their widgets again.
+    for (std::size_t index = 0; index < models.size(); ++index) {
+        new QListWidgetItem(list);
+    }
     std::vector<NdiListItem*> created;
     created.reserve(models.size());
     bool anyTicked = false;
     NdiListItem* resumed = nullptr;
     const NdiListItem::OperatorState* resumedState = nullptr;
     for (const STResourceRenamedModel& model : models) {
-        auto* const item = new QListWidgetItem(list);
+        QListWidgetItem* const item = list->item(static_cast<int>(created.size()));
         auto* const row = new NdiListItem(list);
         row->setRenamedModel(model);
         const auto found = kept.find(row->ipAddress());
@@ -435,6 +446,9 @@ void NdiDialog::Impl::updateList(const std::vector<STResourceRenamedModel>& mode
         connect(row, &NdiListItem::signalNameRepeate, this, &Impl::slotNameRepeate);
         created.push_back(row);
     }
+    // Placed now rather than on the list's next turn: until then every new row sits at the top,
+    // over all the others, and painting them there costs each row all the rows after it.
+    list->doItemsLayout();
     if (anyTicked) {
         slotItemSelectChanged();
     }

@@ -5,6 +5,7 @@
 
 #include <vexa/widgets/editbox.h>
 #include <vexa/widgets/pushbutton.h>
+#include <vexa/widgets/quietlayout.h>
 #include <vexa/widgets/style.h>
 #include <vexa/widgets/tipdialog.h>
 
@@ -99,7 +100,8 @@ void NdiListItem::Impl::build()
     stateLabel->setAlignment(Qt::AlignCenter);
     stateLabel->setProperty("style", QStringLiteral("yellowHint"));
 
-    auto* const layout = new QHBoxLayout(q);
+    // A list of senders builds all its rows in one pass of the event loop (see quietlayout.h).
+    auto* const layout = new QHBoxLayout;
     layout->setContentsMargins(8, 0, 6, 0);
     layout->setSpacing(8);
     layout->addWidget(checkButton);
@@ -107,6 +109,7 @@ void NdiListItem::Impl::build()
     layout->addWidget(senderLabel);
     layout->addWidget(receiverEdit);
     layout->addWidget(stateLabel);
+    vexa::widgets::installQuietly(q, layout);
 
     connect(checkButton, &QPushButton::clicked, this, &Impl::onCheckBtnClicked);
     connect(receiverEdit, &vexa::widgets::EditBox::editingFinished, this,

@@ -70,6 +70,8 @@ EditBox::Impl::Impl(EditBox* owner)
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 
     stack->setContentsMargins(0, 0, 0, 0);
+    // Boxes are built by the hundred in one pass of the event loop (tiles, NDI rows); see
+    // quietlayout.h. A stack must be installed before it is filled.
     installQuietly(owner, stack);
     stack->addWidget(editor);
     stack->addWidget(label);

@@ -45,6 +45,7 @@ private Q_SLOTS:
     void aListArrivingUnderANoticeWaitsForIt();
     void unbindingStopsTheLists();
     void keyboard();
+    void tabWalksTheNamesOfEveryNewList();
     void translationAndTheRowQuirk();
 };
 
@@ -536,6 +537,31 @@ void TestNdiDialog::keyboard()
     QCOMPARE(bound.mgr->callCount("addInputSources"), 1);
     QCOMPARE(bound.added().size(), std::size_t{1});
     QVERIFY(!bound.dialog.isVisible());
+}
+
+void TestNdiDialog::tabWalksTheNamesOfEveryNewList()
+{
+    BoundDialog bound;
+    bound.open();
+    bound.answer({ndiSender("192.168.1.10", "CAM-1"), ndiSender("192.168.1.11", "CAM-2")});
+    // A second list replaces the rows of the first.
+    bound.answer({ndiSender("192.168.1.20", "CAM-A"), ndiSender("192.168.1.21", "CAM-B", "", true),
+                  ndiSender("192.168.1.22", "CAM-C")});
+    QListWidget* const list = ndiList(bound.dialog);
+    list->setFocus();
+    for (NdiListItem* const row : bound.rows()) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), receiverEditorOf(*row));
+    }
+    for (const char* name : {"ndiRefreshBtn", "ndiCancelBtn", "ndiConfirmBtn"}) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), bound.button(name));
+    }
+    // And back again.
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+    QCOMPARE(QApplication::focusWidget(), receiverEditorOf(*bound.rows().back()));
 }
 
 void TestNdiDialog::translationAndTheRowQuirk()
