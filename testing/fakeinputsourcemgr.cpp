@@ -40,11 +40,13 @@ void FakeInputSourceMgr::record(std::string operation, std::any arguments)
                       d->runtime != nullptr && d->runtime->isInRuntimeThread()};
     std::function<void(const RecordedCall&)> hook;
     {
+        // Notified under the lock: a waiter that sees the call may destroy the manager at once,
+        // and must not do so while this thread is still inside the notification.
         std::lock_guard<std::mutex> lock(d->mutex);
         d->calls.push_back(call);
         hook = d->hook;
+        d->callArrived.notify_all();
     }
-    d->callArrived.notify_all();
     // Outside the lock: a hook may block until the test inspects the calls.
     if (hook) {
         hook(call);

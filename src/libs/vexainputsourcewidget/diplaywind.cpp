@@ -6,7 +6,6 @@
 
 #include <QImage>
 #include <QPainter>
-#include <QTimer>
 
 #include <atomic>
 #include <cstddef>
@@ -89,8 +88,7 @@ struct DiplayWind::Impl
         if (picture->repaintPending.exchange(true)) {
             return;
         }
-        QueuedHandoff::release(q);
-        QTimer::singleShot(0, q, [this] {
+        QueuedHandoff::post(q, [this] {
             // Cleared before update(), so that a frame copied after this point asks again.
             picture->repaintPending = false;
             q->update();

@@ -801,9 +801,7 @@ void InputSourceItem::updateFrame(const zq::mediacore::IFrame* frame)
     if (d->postedFrameRate.exchange(rate) == rate) {
         return;
     }
-    QueuedHandoff::release(this);
-    QMetaObject::invokeMethod(
-        this, [this, rate] { d->applyFrameRate(rate); }, Qt::QueuedConnection);
+    QueuedHandoff::post(this, [this, rate] { d->applyFrameRate(rate); });
 }
 
 void InputSourceItem::translateLanguage()

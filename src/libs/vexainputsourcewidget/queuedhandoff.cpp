@@ -1,26 +1,59 @@
 #include "queuedhandoff.h"
 
-#if defined(VEXA_TSAN_BUILD)
-
+#include <QCoreApplication>
 #include <QEvent>
 
+#if defined(VEXA_TSAN_BUILD)
 extern "C" {
 void __tsan_acquire(void* address);
 void __tsan_release(void* address);
 }
+#endif
 
 namespace vexa::inputsource {
 
 namespace {
 
+void acquire([[maybe_unused]] QObject* target)
+{
+#if defined(VEXA_TSAN_BUILD)
+    __tsan_acquire(target);
+#endif
+}
+
+QEvent::Type callEventType()
+{
+    static const auto type = static_cast<QEvent::Type>(QEvent::registerEventType());
+    return type;
+}
+
+// Built completely on the posting thread before it is published and posted, unlike the slot
+// object that a queued functor call builds inside Qt's posting.
+class CallEvent : public QEvent
+{
+public:
+    explicit CallEvent(std::function<void()> call)
+        : QEvent(callEventType())
+        , call(std::move(call))
+    {}
+
+    const std::function<void()> call;
+};
+
 // One filter serves every watched object; it lives on the GUI thread, as they do.
-class AcquireOnMetaCall : public QObject
+class Receiver : public QObject
 {
 public:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
         if (event->type() == QEvent::MetaCall) {
-            __tsan_acquire(watched);
+            acquire(watched);
+            return false;
+        }
+        if (event->type() == callEventType()) {
+            acquire(watched);
+            static_cast<CallEvent*>(event)->call();
+            return true;
         }
         return false;
     }
@@ -28,17 +61,24 @@ public:
 
 } // namespace
 
+void QueuedHandoff::watch(QObject* target)
+{
+    static Receiver receiver;
+    target->installEventFilter(&receiver);
+}
+
+void QueuedHandoff::postCall(QObject* target, std::function<void()> call)
+{
+    auto* const event = new CallEvent(std::move(call));
+    release(target);
+    QCoreApplication::postEvent(target, event);
+}
+
+#if defined(VEXA_TSAN_BUILD)
 void QueuedHandoff::release(const QObject* target)
 {
     __tsan_release(const_cast<QObject*>(target));
 }
-
-void QueuedHandoff::watch(QObject* target)
-{
-    static AcquireOnMetaCall filter;
-    target->installEventFilter(&filter);
-}
+#endif
 
 } // namespace vexa::inputsource
-
-#endif

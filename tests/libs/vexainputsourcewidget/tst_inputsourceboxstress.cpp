@@ -1,3 +1,5 @@
+#include "queuedhandoff.h"
+
 #include <vexainputsourcewidget/inputsourceitem.h>
 
 #include <vexainputsourcewidget/inputsourcebox.h>
@@ -31,6 +33,7 @@ using quandel::resource::EnResourceType;
 using vexa::inputsource::IInputSourceMgr;
 using vexa::inputsource::InputSourceBox;
 using vexa::inputsource::InputSourceItem;
+using vexa::inputsource::QueuedHandoff;
 using vexa::testing::FakeInputSourceMgr;
 using vexa::testing::FrameFactory;
 using vexa::testing::LoggedMessage;
@@ -279,19 +282,18 @@ private:
 class RoundTracker
 {
 public:
+    RoundTracker() { QueuedHandoff::watch(&m_receiver); }
+
     // Queued behind the notifications of round `round`; runs once the GUI thread is past them.
     void markQueued(int round)
     {
-        QMetaObject::invokeMethod(
-            qApp,
-            [this, round] {
-                {
-                    const std::lock_guard<std::mutex> guard(m_lock);
-                    m_handled = round;
-                }
-                m_changed.notify_all();
-            },
-            Qt::QueuedConnection);
+        QueuedHandoff::post(&m_receiver, [this, round] {
+            {
+                const std::lock_guard<std::mutex> guard(m_lock);
+                m_handled = round;
+            }
+            m_changed.notify_all();
+        });
     }
 
     bool waitForRound(int round)
@@ -301,6 +303,8 @@ public:
     }
 
 private:
+    // On the GUI thread, where the marks are handled.
+    QObject m_receiver;
     std::mutex m_lock;
     std::condition_variable m_changed;
     int m_handled = 0;
