@@ -5,6 +5,7 @@
 #include "manageraccess.h"
 #include "namenotice.h"
 #include "queuedhandoff.h"
+#include "relaysubscription.h"
 #include "systemmonitor.h"
 #include "tabitemwidget.h"
 #include "trkey.h"
@@ -84,7 +85,6 @@ public:
 
     void build();
     void connectWidgets();
-    void unbind();
     void applyCaptureSupport();
 
     // Tabs.
@@ -137,8 +137,7 @@ public:
 
     // Readings and thresholds arrive from the runtime thread through the relay.
     const std::shared_ptr<LoadWatch> loadWatch = std::make_shared<LoadWatch>();
-    std::shared_ptr<WebInfoRelay> relay;
-    sigslot::connection connection;
+    RelaySubscription<WebInfoRelay> subscription;
     bool captureWarned = false;
 
 public Q_SLOTS:
@@ -164,7 +163,7 @@ WebDialog::Impl::Impl(WebDialog* q)
 
 WebDialog::Impl::~Impl()
 {
-    unbind();
+    subscription.drop();
     // The buttons and the timer outlive this object by a moment: their children go with the
     // dialog's base class.
     loadWatchTimer->stop();
@@ -280,17 +279,6 @@ void WebDialog::Impl::connectWidgets()
     connect(okButton, &QPushButton::clicked, this, &Impl::onOkBtnClicked);
     connect(addTabButton, &QPushButton::clicked, this, &Impl::onAddTabClicked);
     connect(loadWatchTimer, &QTimer::timeout, this, &Impl::onLoadWatchTimeout);
-}
-
-void WebDialog::Impl::unbind()
-{
-    // Whatever the runtime does with the disconnection, nothing of this binding reaches the
-    // dialog any more once the relay is detached.
-    if (relay != nullptr) {
-        relay->detach();
-        relay.reset();
-    }
-    connection.disconnect();
 }
 
 void WebDialog::Impl::applyCaptureSupport()
@@ -679,23 +667,21 @@ WebDialog::~WebDialog() = default;
 void WebDialog::setInputSourceMgr(std::weak_ptr<IInputSourceMgr> mgr, quandel::IZQRuntime* runtime)
 {
     // Whatever comes of the new binding, the previous manager is followed no longer.
-    d->unbind();
+    d->subscription.drop();
     d->manager.setManager(std::move(mgr));
     d->manager.setRuntime(runtime);
     std::shared_ptr<IInputSourceMgr> locked = d->manager.lock(VEXA_HERE, managerGoneText);
     if (locked == nullptr) {
         return;
     }
-    d->relay = std::make_shared<WebInfoRelay>(d.get(), d->loadWatch);
-    d->relay->setEditedId(d->edit ? d->id : 0);
-    d->connection = d->manager.call(
-        VEXA_HERE, "setInputSourceMgr",
-        [relay = d->relay, locked = std::move(locked)] { return relay->connect(locked); });
+    auto relay = std::make_shared<WebInfoRelay>(d.get(), d->loadWatch);
+    relay->setEditedId(d->edit ? d->id : 0);
+    d->subscription.subscribe(d->manager, VEXA_HERE, std::move(locked), std::move(relay));
 }
 
 void WebDialog::unsetInputSourceMgr()
 {
-    d->unbind();
+    d->subscription.drop();
     d->manager.reset();
 }
 
@@ -729,8 +715,8 @@ void WebDialog::setWebSource(uint64_t id, const STWebDescription& description, b
 {
     d->id = id;
     d->edit = edit;
-    if (d->relay != nullptr) {
-        d->relay->setEditedId(edit ? id : 0);
+    if (WebInfoRelay* const relay = d->subscription.relay()) {
+        relay->setEditedId(edit ? id : 0);
     }
     d->fill(description);
 }
