@@ -154,10 +154,7 @@ private Q_SLOTS:
 
 void TestWebBox::initTestCase()
 {
-    auto& translator = InputSourceTranslateManager::instance().translator();
-    for (const char* code : {"zh_CN", "zh_TW", "en_US"}) {
-        QVERIFY(translator.load(languageFile(code)));
-    }
+    QVERIFY(loadShippedLanguages());
 }
 
 void TestWebBox::init()
