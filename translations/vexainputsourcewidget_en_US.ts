@@ -94,6 +94,11 @@
         <translation>This source is in use. Delete it anyway?</translation>
     </message>
     <message>
+        <source>DeleteWebTab</source>
+        <comment>Widget</comment>
+        <translation>Delete tab %1</translation>
+    </message>
+    <message>
         <source>DisablePreview</source>
         <comment>Widget</comment>
         <translation>Turn off preview</translation>
@@ -282,6 +287,21 @@
         <source>WebTab</source>
         <comment>Widget</comment>
         <translation>Tab </translation>
+    </message>
+    <message>
+        <source>WebTabAddressField</source>
+        <comment>Widget</comment>
+        <translation>Tab %1 address</translation>
+    </message>
+    <message>
+        <source>WebTabNameField</source>
+        <comment>Widget</comment>
+        <translation>Tab %1 name</translation>
+    </message>
+    <message>
+        <source>WebTabs</source>
+        <comment>Widget</comment>
+        <translation>Tabs</translation>
     </message>
     <message>
         <source>WebUrl</source>

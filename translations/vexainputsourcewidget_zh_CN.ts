@@ -94,6 +94,11 @@
         <translation>该输入源正在使用中，确定要删除吗？</translation>
     </message>
     <message>
+        <source>DeleteWebTab</source>
+        <comment>Widget</comment>
+        <translation>删除标签页 %1</translation>
+    </message>
+    <message>
         <source>DisablePreview</source>
         <comment>Widget</comment>
         <translation>关闭预览</translation>
@@ -280,6 +285,21 @@
     </message>
     <message>
         <source>WebTab</source>
+        <comment>Widget</comment>
+        <translation>标签页</translation>
+    </message>
+    <message>
+        <source>WebTabAddressField</source>
+        <comment>Widget</comment>
+        <translation>标签页 %1 地址</translation>
+    </message>
+    <message>
+        <source>WebTabNameField</source>
+        <comment>Widget</comment>
+        <translation>标签页 %1 名称</translation>
+    </message>
+    <message>
+        <source>WebTabs</source>
         <comment>Widget</comment>
         <translation>标签页</translation>
     </message>

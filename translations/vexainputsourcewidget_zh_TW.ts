@@ -94,6 +94,11 @@
         <translation>此輸入來源正在使用中，確定要刪除嗎？</translation>
     </message>
     <message>
+        <source>DeleteWebTab</source>
+        <comment>Widget</comment>
+        <translation>刪除分頁 %1</translation>
+    </message>
+    <message>
         <source>DisablePreview</source>
         <comment>Widget</comment>
         <translation>關閉預覽</translation>
@@ -280,6 +285,21 @@
     </message>
     <message>
         <source>WebTab</source>
+        <comment>Widget</comment>
+        <translation>分頁</translation>
+    </message>
+    <message>
+        <source>WebTabAddressField</source>
+        <comment>Widget</comment>
+        <translation>分頁 %1 位址</translation>
+    </message>
+    <message>
+        <source>WebTabNameField</source>
+        <comment>Widget</comment>
+        <translation>分頁 %1 名稱</translation>
+    </message>
+    <message>
+        <source>WebTabs</source>
         <comment>Widget</comment>
         <translation>分頁</translation>
     </message>

@@ -84,8 +84,15 @@ public:
     void setLoadingPath(const QString& path);
 
     /// The host's message centre, told about capture formats a device refused. Not owned; may
-    /// be null, and then such errors are dropped.
-    void setMsgCenterMgr(quandel::msgcenter::IMsgCenterMgr* msgCenter);
+    /// be null, and then such errors are dropped. Subclasses that tell it more extend it and
+    /// call this one.
+    virtual void setMsgCenterMgr(quandel::msgcenter::IMsgCenterMgr* msgCenter);
+
+    /// The code of the language the panel now shows ("zh_CN", "zh_TW", "en_US", ...), handed to
+    /// every box at each language switch, after translateLanguage(). The base box keeps
+    /// nothing; a kind whose behaviour follows the language (the web box's default home page)
+    /// overrides it.
+    virtual void setLanguageCode(const QString& code);
 
     /// The runtime whose thread runs every manager request. Not owned; it must outlive the
     /// box's use of the manager. Subclasses extend it and call this one.

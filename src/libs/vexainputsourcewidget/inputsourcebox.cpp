@@ -372,6 +372,8 @@ void InputSourceBox::setMsgCenterMgr(quandel::msgcenter::IMsgCenterMgr* msgCente
     d->msgCenter = msgCenter;
 }
 
+void InputSourceBox::setLanguageCode(const QString&) {}
+
 void InputSourceBox::setZQRuntime(quandel::IZQRuntime* runtime)
 {
     d->manager.setRuntime(runtime);

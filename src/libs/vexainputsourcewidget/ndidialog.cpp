@@ -4,6 +4,7 @@
 #include "ndilistitem.h"
 #include "ndisourcesrelay.h"
 #include "queuedhandoff.h"
+#include "relaysubscription.h"
 #include "trkey.h"
 
 #include <vexainputsourcewidget/inputsourcemetatypes.h>
@@ -70,7 +71,6 @@ public:
     void connectWidgets();
     void setStatus(const char* key, const char* style);
     void updateNDIDeviceInfo();
-    void unbind();
     void clearRows();
     NdiListItem* rowAt(int index) const;
     std::vector<NdiListItem*> rows() const;
@@ -90,9 +90,8 @@ public:
     vexa::widgets::PushButton* cancelButton = nullptr;
     vexa::widgets::PushButton* confirmButton = nullptr;
     bool nameRepeatGuard = false;
-    // The subscription to the manager's sender lists; a new relay for every binding.
-    std::shared_ptr<NdiSourcesRelay> relay;
-    sigslot::connection connection;
+    // The subscription to the manager's sender lists.
+    RelaySubscription<NdiSourcesRelay> subscription;
     // A list that arrived while a row's notice was open waits here for the notice to close,
     // so that the row is not destroyed under its own notice.
     std::optional<std::vector<STResourceRenamedModel>> pendingModels;
@@ -121,7 +120,7 @@ NdiDialog::Impl::Impl(NdiDialog* q)
 
 NdiDialog::Impl::~Impl()
 {
-    unbind();
+    subscription.drop();
 }
 
 void NdiDialog::Impl::build()
@@ -225,17 +224,6 @@ void NdiDialog::Impl::updateNDIDeviceInfo()
 {
     manager.send(VEXA_HERE, "updateNDIDeviceInfo",
                  [](IInputSourceMgr& mgr) { mgr.refreshNdiSources(); });
-}
-
-void NdiDialog::Impl::unbind()
-{
-    // Whatever the runtime does with the disconnection, no list of this binding reaches the
-    // dialog any more once the relay is detached.
-    if (relay != nullptr) {
-        relay->detach();
-        relay.reset();
-    }
-    connection.disconnect();
 }
 
 NdiListItem* NdiDialog::Impl::rowAt(int index) const
@@ -494,17 +482,15 @@ NdiDialog::~NdiDialog() = default;
 void NdiDialog::setInputSourceMgr(std::weak_ptr<IInputSourceMgr> mgr, quandel::IZQRuntime* runtime)
 {
     // Whatever comes of the new binding, the previous manager's lists are followed no longer.
-    d->unbind();
+    d->subscription.drop();
     d->manager.setManager(std::move(mgr));
     d->manager.setRuntime(runtime);
     std::shared_ptr<IInputSourceMgr> locked = d->manager.lock(VEXA_HERE);
     if (locked == nullptr) {
         return;
     }
-    d->relay = std::make_shared<NdiSourcesRelay>(d.get());
-    d->connection = d->manager.call(
-        VEXA_HERE, "setInputSourceMgr",
-        [relay = d->relay, locked = std::move(locked)] { return relay->connect(locked); });
+    d->subscription.subscribe(d->manager, VEXA_HERE, std::move(locked),
+                              std::make_shared<NdiSourcesRelay>(d.get()));
 }
 
 void NdiDialog::unsetInputSourceMgr()
@@ -512,10 +498,10 @@ void NdiDialog::unsetInputSourceMgr()
     std::shared_ptr<IInputSourceMgr> locked = d->manager.lock(VEXA_HERE);
     if (locked != nullptr) {
         d->manager.call(VEXA_HERE, "unsetInputSourceMgr",
-                        [connection = std::exchange(d->connection, {}),
+                        [connection = d->subscription.takeConnection(),
                          locked = std::move(locked)]() mutable { connection.disconnect(); });
     }
-    d->unbind();
+    d->subscription.drop();
     d->manager.reset();
 }
 

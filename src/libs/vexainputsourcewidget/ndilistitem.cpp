@@ -1,13 +1,13 @@
 #include "ndilistitem.h"
 
 #include "modalloop.h"
+#include "namenotice.h"
 #include "trkey.h"
 
 #include <vexa/widgets/editbox.h>
 #include <vexa/widgets/pushbutton.h>
 #include <vexa/widgets/quietlayout.h>
 #include <vexa/widgets/style.h>
-#include <vexa/widgets/tipdialog.h>
 
 #include <QFontMetrics>
 #include <QHBoxLayout>
@@ -167,11 +167,7 @@ void NdiListItem::Impl::onReceiverEditingFinished()
 
 bool NdiListItem::Impl::tellNameRepeated()
 {
-    vexa::widgets::TipDialog tip(vexa::widgets::TipDialog::Notice);
-    tip.setTipText(trKey("NameAlreadyExists"));
-    tip.setBtnText(trKey("OK"), QString(), QString());
-    return ModalLoop::run(
-        this, [&tip] { tip.run(); }, &tip);
+    return NameNotice::show(this);
 }
 
 NdiListItem::NdiListItem(QWidget* parent)

@@ -2,60 +2,19 @@
 
 #include "manageraccess.h"
 #include "modalloop.h"
-#include "trkey.h"
+#include "namenotice.h"
+#include "parentlessdialogs.h"
 
 #include <vexainputsourcewidget/stinputsource.h>
 #include <vexainputsourcewidget/streamingdialog.h>
 
 #include <vexa/diagnostics/warning.h>
-#include <vexa/widgets/tipdialog.h>
 
-#include <QCoreApplication>
 #include <QObject>
-#include <QPointer>
-
-#include <algorithm>
 
 #include <vector>
 
 namespace vexa::inputsource {
-
-namespace {
-
-// The dialogs live apart from their boxes, so the process collects them: they go while the
-// application object is destroyed, when widgets may still be destroyed. GUI thread only.
-std::vector<QPointer<StreamingDialog>>& unownedDialogs()
-{
-    static std::vector<QPointer<StreamingDialog>> dialogs;
-    return dialogs;
-}
-
-void destroyUnownedDialogs()
-{
-    std::vector<QPointer<StreamingDialog>> dialogs;
-    dialogs.swap(unownedDialogs());
-    for (const QPointer<StreamingDialog>& dialog : dialogs) {
-        delete dialog.data();
-    }
-}
-
-StreamingDialog* createUnownedDialog()
-{
-    std::vector<QPointer<StreamingDialog>>& dialogs = unownedDialogs();
-    if (dialogs.empty()) {
-        qAddPostRoutine(destroyUnownedDialogs);
-    }
-    // Dialogs destroyed otherwise (by a host, say) leave no entry behind.
-    dialogs.erase(
-        std::remove_if(dialogs.begin(), dialogs.end(),
-                       [](const QPointer<StreamingDialog>& dialog) { return dialog.isNull(); }),
-        dialogs.end());
-    auto* const dialog = new StreamingDialog;
-    dialogs.emplace_back(dialog);
-    return dialog;
-}
-
-} // namespace
 
 class StreamingBox::Impl : public QObject
 {
@@ -70,7 +29,7 @@ public:
     ManagerAccess access() const;
 
     StreamingBox* const q;
-    StreamingDialog* const dialog = createUnownedDialog();
+    StreamingDialog* const dialog = ParentlessDialogs::adopt(new StreamingDialog);
     quandel::IZQRuntime* runtime = nullptr;
 
 public Q_SLOTS:
@@ -106,20 +65,7 @@ void StreamingBox::Impl::slotTranslateLanguage()
 
 bool StreamingBox::Impl::slotCheckNameRepeated(const QString& name) const
 {
-    {
-        const std::shared_ptr<IInputSourceMgr> mgr = access().lock(VEXA_HERE);
-        // A read the manager allows on the GUI thread: the dialog waits for the answer.
-        if (mgr == nullptr || !mgr->isNameRepeated(name.toStdString())) {
-            return false;
-        }
-    }
-    vexa::widgets::TipDialog tip(vexa::widgets::TipDialog::Notice);
-    tip.setTipText(trKey("NameAlreadyExists"));
-    tip.setBtnText(trKey("OK"), QString(), QString());
-    // Also when the box went while the notice was open, the name stays refused.
-    ModalLoop::run(
-        const_cast<Impl*>(this), [&tip] { tip.run(); }, &tip);
-    return true;
+    return NameNotice::isTaken(access(), VEXA_HERE, const_cast<Impl*>(this), name);
 }
 
 StreamingBox::StreamingBox(QWidget* parent)

@@ -1,5 +1,6 @@
 #include <vexainputsourcewidget/streamingdialog.h>
 
+#include "accessiblenames.h"
 #include "trkey.h"
 
 #include <vexa/widgets/editbox.h>
@@ -208,21 +209,11 @@ void StreamingDialog::translateLanguage()
     d->confirmButton->setText(trKey("OK"));
 
     // What a screen reader says for each control, in the same language.
-    const auto nameFields = [](vexa::widgets::EditBox* edit, const QString& name,
-                               const QString& description) {
-        for (QWidget* const widget : {static_cast<QWidget*>(edit), edit->focusProxy()}) {
-            widget->setAccessibleName(name);
-            widget->setAccessibleDescription(description);
-        }
-    };
-    nameFields(d->nameEdit, trKey("MediaName"), QString());
-    nameFields(d->urlEdit, trKey("WebUrl"), trKey("SupportAddingFormats"));
+    nameField(d->nameEdit, trKey("MediaName"));
+    nameField(d->urlEdit, trKey("WebUrl"), trKey("SupportAddingFormats"));
     d->cancelButton->setAccessibleName(trKey("Cancel"));
     d->confirmButton->setAccessibleName(trKey("OK"));
-    if (auto* const closeButton = findChild<QPushButton*>(QStringLiteral("closeBtn"))) {
-        closeButton->setAccessibleName(trKey("Close"));
-        closeButton->setToolTip(trKey("Close"));
-    }
+    nameCloseButton(this);
 }
 
 void StreamingDialog::showEvent(QShowEvent* event)

@@ -129,10 +129,8 @@ private Q_SLOTS:
 
 void TestStreamingBox::initTestCase()
 {
+    QVERIFY(loadShippedLanguages());
     auto& translator = InputSourceTranslateManager::instance().translator();
-    for (const char* code : {"zh_CN", "zh_TW", "en_US"}) {
-        QVERIFY(translator.load(languageFile(code)));
-    }
     translator.switchLanguage(QStringLiteral("en_US"));
 }
 

@@ -1,5 +1,6 @@
 #include "languagefiles.h"
 #include "streamingdialogparts.h"
+#include "textfits.h"
 #include "trkey.h"
 
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>
@@ -62,10 +63,7 @@ private:
 
 void TestStreamingDialog::initTestCase()
 {
-    auto& translator = InputSourceTranslateManager::instance().translator();
-    for (const char* code : {"zh_CN", "zh_TW", "en_US"}) {
-        QVERIFY(translator.load(languageFile(code)));
-    }
+    QVERIFY(loadShippedLanguages());
     qApp->setStyleSheet(vexa::widgets::defaultStyleSheet());
 }
 
@@ -406,10 +404,7 @@ void TestStreamingDialog::showingResetsTheAddressButKeepsTheName()
 
 void TestStreamingDialog::noTextIsClipped_data()
 {
-    QTest::addColumn<QString>("language");
-    QTest::newRow("zh_CN") << QStringLiteral("zh_CN");
-    QTest::newRow("zh_TW") << QStringLiteral("zh_TW");
-    QTest::newRow("en_US") << QStringLiteral("en_US");
+    addLanguageRows();
 }
 
 void TestStreamingDialog::noTextIsClipped()
@@ -423,13 +418,6 @@ void TestStreamingDialog::noTextIsClipped()
     QVERIFY(dialog->layout() != nullptr);
     dialog->layout()->activate();
 
-    const auto fits = [](const QWidget* widget, const QString& text, int room) {
-        const int needed = widget->fontMetrics().horizontalAdvance(text);
-        return std::make_pair(needed <= room, QStringLiteral("%1 \"%2\": %3 px needed, %4 px room")
-                                                  .arg(widget->objectName(), text)
-                                                  .arg(needed)
-                                                  .arg(room));
-    };
     for (const QLabel* label : {parts->nameLabel, parts->urlLabel, parts->hint,
                                 dialog->findChild<QLabel*>(QStringLiteral("titleLabel"))}) {
         QVERIFY(label != nullptr);
