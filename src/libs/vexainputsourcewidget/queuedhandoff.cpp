@@ -21,19 +21,13 @@ void acquire([[maybe_unused]] QObject* target)
 #endif
 }
 
-QEvent::Type callEventType()
-{
-    static const auto type = static_cast<QEvent::Type>(QEvent::registerEventType());
-    return type;
-}
-
 // Built completely on the posting thread before it is published and posted, unlike the slot
 // object that a queued functor call builds inside Qt's posting.
 class CallEvent : public QEvent
 {
 public:
     explicit CallEvent(std::function<void()> call)
-        : QEvent(callEventType())
+        : QEvent(QueuedHandoff::eventType())
         , call(std::move(call))
     {}
 
@@ -46,20 +40,24 @@ class Receiver : public QObject
 public:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
-        if (event->type() == QEvent::MetaCall) {
-            acquire(watched);
+        // Before the event is even read: it was made on the posting thread. Every delivery
+        // acquires, as every delivery from Qt's queue takes the queue's lock in fact.
+        acquire(watched);
+        if (event->type() != QueuedHandoff::eventType()) {
             return false;
         }
-        if (event->type() == callEventType()) {
-            acquire(watched);
-            static_cast<CallEvent*>(event)->call();
-            return true;
-        }
-        return false;
+        static_cast<CallEvent*>(event)->call();
+        return true;
     }
 };
 
 } // namespace
+
+QEvent::Type QueuedHandoff::eventType()
+{
+    static const auto type = static_cast<QEvent::Type>(QEvent::registerEventType());
+    return type;
+}
 
 void QueuedHandoff::watch(QObject* target)
 {

@@ -2,6 +2,7 @@
 
 #include <vexainputsourcewidget/vexainputsourcewidget_export.h>
 
+#include <QEvent>
 #include <QObject>
 
 #include <functional>
@@ -41,6 +42,9 @@ public:
     {
         postCall(target, std::function<void()>(std::forward<Call>(call)));
     }
+
+    /// The type of the events post() queues, for whoever counts them. Any thread.
+    static QEvent::Type eventType();
 
 #if defined(VEXA_TSAN_BUILD)
     /// On the posting thread, right before a string-based queued call to `target` is queued.

@@ -1,4 +1,5 @@
 #include "diplaywind.h"
+#include "queuedhandoff.h"
 
 #include <vexainputsourcewidget/testing/framefactory.h>
 
@@ -29,6 +30,7 @@
 #include <vector>
 
 using vexa::inputsource::DiplayWind;
+using vexa::inputsource::QueuedHandoff;
 using vexa::testing::FrameFactory;
 using zq::mediacore::IFrame;
 using zq::mediacore::IFrameBuffer;
@@ -440,8 +442,7 @@ void TestDiplayWind::frameFromAnotherThreadGetsRepainted()
 void TestDiplayWind::repaintRequestsDoNotPileUp()
 {
     DiplayWind surface;
-    // Qt hands a zero-delay single shot with a context object to that object as a queued call.
-    const EventCounter requests(&surface, QEvent::MetaCall);
+    const EventCounter requests(&surface, QueuedHandoff::eventType());
     const auto frame = solid(green);
 
     const int taken = std::async(std::launch::async, [&] {

@@ -1,6 +1,7 @@
 #include "diplaywind.h"
 #include "inputsourcetooltip.h"
 #include "languagefiles.h"
+#include "queuedhandoff.h"
 #include "trkey.h"
 #include <vexainputsourcewidget/inputsourcedragpayload.h>
 #include <vexainputsourcewidget/inputsourceitem.h>
@@ -45,6 +46,7 @@ using vexa::inputsource::InputSourceDragPayload;
 using vexa::inputsource::InputSourceItem;
 using vexa::inputsource::InputSourceToolTip;
 using vexa::inputsource::MetaQueryResult;
+using vexa::inputsource::QueuedHandoff;
 using vexa::inputsource::trKey;
 using vexa::testing::FrameFactory;
 
@@ -206,7 +208,8 @@ void pushFrameFromAnotherThread(InputSourceItem& tile, int width, int height, do
 }
 
 // Counts the queued calls the tile receives, to see how many a stream of frames posts.
-class MetaCallCounter : public QObject
+// Counts the calls that frame threads queue to the tile.
+class HandoffCounter : public QObject
 {
 public:
     int count = 0;
@@ -214,7 +217,7 @@ public:
 protected:
     bool eventFilter(QObject* /*watched*/, QEvent* event) override
     {
-        if (event->type() == QEvent::MetaCall) {
+        if (event->type() == QueuedHandoff::eventType()) {
             ++count;
         }
         return false;
@@ -1274,7 +1277,7 @@ void TestInputSourceItem::unchangedFrameRateIsPostedOnce()
     InputSourceItem tile(streamKind);
     tile.setOnline(true);
     tile.setResolution(QStringLiteral("1920*1080"), QStringLiteral("0"));
-    MetaCallCounter counter;
+    HandoffCounter counter;
     tile.installEventFilter(&counter);
 
     const auto frame = FrameFactory::pattern(64, 36, 0, 0, 25.0);
@@ -1310,7 +1313,7 @@ void TestInputSourceItem::framesWhileOfflineAreShownOnceOnline()
     tile.setOnline(true);
     tile.setResolution(QStringLiteral("1920*1080"), QStringLiteral("0"));
     tile.setOnline(false);
-    MetaCallCounter counter;
+    HandoffCounter counter;
     tile.installEventFilter(&counter);
 
     pushFrameFromAnotherThread(tile, 64, 36, 25.0);
@@ -1330,7 +1333,7 @@ void TestInputSourceItem::framesOfOtherKindsLeaveTheResolution()
         tile.setOnline(true);
         tile.setResolution(QStringLiteral("1920*1080"), QStringLiteral("50"));
         const QString before = infoLabel(tile)->text();
-        MetaCallCounter counter;
+        HandoffCounter counter;
         tile.installEventFilter(&counter);
         pushFrameFromAnotherThread(tile, 64, 36, 25.0);
         QCoreApplication::processEvents();
