@@ -57,7 +57,7 @@ public:
     /// fired afterwards reach nothing; the host should still call unsetInputSourceMgr() first.
     ~InputSourceBox() override;
 
-    /// The text of the header.
+    /// The text of the header, and the box's accessible name.
     void setTitle(const QString& title);
 
     /// Shows or hides the add button.

@@ -5,6 +5,10 @@
 
 #include <memory>
 
+namespace vexa::widgets {
+class Dialog;
+} // namespace vexa::widgets
+
 namespace vexa::inputsource {
 
 /// The panel's category of NDI sources: an InputSourceBox titled "NDI" for resource type 7,
@@ -27,6 +31,13 @@ public:
     explicit NdiBox(QWidget* parent = nullptr);
     /// Destroys the dialog, or, while it is open, lets it go once it closes.
     ~NdiBox() override;
+
+    /// Opens the dialog and returns when it closes (modal). The add button calls it.
+    void showDialog();
+
+    /// The box's dialog, for hosts that style it. Owned by the application while open after
+    /// the box went; by the box otherwise.
+    vexa::widgets::Dialog* dialog() const;
 
 private:
     class Impl;

@@ -7,6 +7,8 @@
 
 namespace vexa::inputsource {
 
+class StreamingDialog;
+
 /// The category of network streams (kind 13), titled "Streaming" (the untranslated key: the
 /// panel sets the translated title). Its tiles and their binding are InputSourceBox's; the box
 /// adds the way a stream is added: its add button opens a StreamingDialog (showDialog()), and
@@ -40,6 +42,9 @@ public:
     /// Opens the dialog with a name the manager proposes and an empty address, and returns when
     /// it closes (modal). Without a manager it logs and opens nothing. The add button calls it.
     void showDialog();
+
+    /// The box's dialog, for hosts that style or inspect it. Owned by the application.
+    StreamingDialog* dialog() const;
 
 private:
     class Impl;

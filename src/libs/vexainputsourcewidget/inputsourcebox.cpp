@@ -325,6 +325,8 @@ InputSourceBox::~InputSourceBox()
 void InputSourceBox::setTitle(const QString& title)
 {
     d->titleLabel->setText(title);
+    // The box takes the focus itself, so a screen reader names the category by it.
+    setAccessibleName(title);
 }
 
 void InputSourceBox::setAddBtnVisible(bool visible)

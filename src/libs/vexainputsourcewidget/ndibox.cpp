@@ -64,7 +64,7 @@ NdiBox::NdiBox(QWidget* parent)
 {
     setTitle(QStringLiteral("NDI"));
     setResourceType(quandel::resource::EnResourceType::NdiSource);
-    connect(this, &InputSourceBox::signalAddClicked, d.get(), &Impl::openDialog);
+    connect(this, &InputSourceBox::signalAddClicked, this, &NdiBox::showDialog);
     connect(this, &InputSourceBox::signalTranslateLanguage, d.get(), &Impl::slotTranslateLanguage);
     connect(this, &InputSourceBox::signalMgrSettingFinished, d->dialog,
             &NdiDialog::setInputSourceMgr);
@@ -73,6 +73,16 @@ NdiBox::NdiBox(QWidget* parent)
 }
 
 NdiBox::~NdiBox() = default;
+
+void NdiBox::showDialog()
+{
+    d->openDialog();
+}
+
+vexa::widgets::Dialog* NdiBox::dialog() const
+{
+    return d->dialog;
+}
 
 } // namespace vexa::inputsource
 

@@ -106,6 +106,11 @@ void StreamingBox::showDialog()
         d.get(), [dialog] { dialog->exec(); }, dialog);
 }
 
+StreamingDialog* StreamingBox::dialog() const
+{
+    return d->dialog;
+}
+
 } // namespace vexa::inputsource
 
 #include "streamingbox.moc"
