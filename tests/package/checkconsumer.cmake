@@ -37,3 +37,8 @@ if(NOT step_output MATCHES "consumer: all modules answered")
     message(FATAL_ERROR "the consumer ran but did not confirm its checks:\n${step_output}")
 endif()
 message(STATUS "${step_output}")
+
+run_step("example run" "${WORK_DIR}/build/embedpanel" --quit-after 500)
+if(NOT step_output MATCHES "embedpanel: shut down")
+    message(FATAL_ERROR "the example did not shut down:\n${step_output}")
+endif()
