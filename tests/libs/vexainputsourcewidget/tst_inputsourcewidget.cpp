@@ -183,6 +183,16 @@ struct BoundPanel
         return count >= atLeast;
     }
 
+    // Chooses "clear all" and answers its question with `clicks`.
+    void clearAll(const QStringList& clicks)
+    {
+        ModalAnswerer answerer;
+        answerer.clickWhenShown(clicks);
+        action("clearInputSourceAction")->trigger();
+        QTRY_VERIFY(!answerer.isWaiting());
+        QVERIFY2(answerer.answered(), qPrintable(answerer.errorString()));
+    }
+
     QAction* action(const char* name) const
     {
         return panel.findChild<QAction*>(QLatin1String(name));
@@ -511,11 +521,7 @@ void TestInputSourceWidget::theHostsAnswerReachesTheAskingBox()
     connect(
         &bound.panel, &InputSourceWidget::signalCheckInputSourceBeUsed, this,
         [](uint64_t id) { return id == 15 || id == 13; }, Qt::DirectConnection);
-    ModalAnswerer answerer;
-    answerer.clickWhenShown(QStringLiteral("firstBtn"));
-    bound.action("clearInputSourceAction")->trigger();
-    QTRY_VERIFY(!answerer.isWaiting());
-    QVERIFY2(answerer.answered(), qPrintable(answerer.errorString()));
+    bound.clearAll({QStringLiteral("firstBtn")});
     QVERIFY(bound.mgr->waitForCalls("deleteInputSources", 4));
     QCOMPARE(deletions(*bound.mgr), (std::vector<std::vector<uint64_t>>{{11}, {}, {14}, {}}));
 }
@@ -649,10 +655,7 @@ void TestInputSourceWidget::runtimeReachesEveryBox()
     other.post([&otherThread] { otherThread.set_value(std::this_thread::get_id()); }, __FILE__,
                __LINE__, "runtimeReachesEveryBox");
     const std::thread::id expected = otherThread.get_future().get();
-    ModalAnswerer answerer;
-    answerer.clickWhenShown(QStringList{"checkBox", "firstBtn"});
-    bound.action("clearInputSourceAction")->trigger();
-    QTRY_VERIFY(!answerer.isWaiting());
+    bound.clearAll({QStringLiteral("checkBox"), QStringLiteral("firstBtn")});
     QVERIFY(bound.mgr->waitForCalls("deleteInputSources", 4));
     for (const auto& call : bound.mgr->callsOf("deleteInputSources")) {
         QVERIFY(call.thread == expected);

@@ -134,12 +134,11 @@ public:
     void refreshCaptureDevices() override {}
 
     // The sources that deliver pictures. Any thread.
-    std::vector<uint64_t> sourceIds() const
+    std::vector<uint64_t> sourceIds()
     {
-        const std::lock_guard<std::mutex> guard(m_lock);
         std::vector<uint64_t> ids;
-        for (const auto& entry : m_sources) {
-            ids.push_back(entry.first);
+        for (const ResourcePtr& resource : getResources()) {
+            ids.push_back(resource->getId());
         }
         return ids;
     }
