@@ -199,6 +199,12 @@ vexa::widgets::EditBox* nameEditorOf(InputSourceItem* tile)
     return tile->findChild<vexa::widgets::EditBox*>(QStringLiteral("nameEdit"));
 }
 
+// A web tile's second line.
+vexa::widgets::EditBox* addressOf(InputSourceItem* tile)
+{
+    return tile->findChild<vexa::widgets::EditBox*>(QStringLiteral("urlEdit"));
+}
+
 // Types `name` into the tile's name editor as the operator would and presses Enter.
 void rename(InputSourceItem* tile, const QString& name)
 {
@@ -529,8 +535,7 @@ void TestDemoWindow::addingAWebPageWithThreeTabsCreatesATile()
     QCOMPARE(tabs[2].url, std::string("https://news.example.org/ticker"));
     QCOMPARE(meta->getWebCurrentTabIndex(), 1);
     QCOMPARE(meta->getAddress(), home);
-    auto* const address = tile->findChild<vexa::widgets::EditBox*>(QStringLiteral("urlEdit"));
-    QCOMPARE(address->text(), QString::fromStdString(home));
+    QCOMPARE(addressOf(tile)->text(), QString::fromStdString(home));
     QTRY_VERIFY_WITH_TIMEOUT(tile->isOnline(), patienceMs);
 }
 
@@ -577,9 +582,8 @@ void TestDemoWindow::editingAWebPageChangesItsTabsAndTheTilesAddress()
     QCOMPARE(resource->getMeta()->getAddress(), std::string("https://scores.example.org/final"));
 
     // The tile follows: the shown tab's address on its second line, and the new name.
-    auto* const address = tile->findChild<vexa::widgets::EditBox*>(QStringLiteral("urlEdit"));
-    QTRY_COMPARE_WITH_TIMEOUT(address->text(), QStringLiteral("https://scores.example.org/final"),
-                              patienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(addressOf(tile)->text(),
+                              QStringLiteral("https://scores.example.org/final"), patienceMs);
     QTRY_COMPARE_WITH_TIMEOUT(nameEditorOf(tile)->text(), QStringLiteral("Final Scores"),
                               patienceMs);
     QTRY_VERIFY_WITH_TIMEOUT(
