@@ -669,10 +669,14 @@ void TestDemoWindow::aLowerThresholdIsSentAndTheLoadWarningAppears()
     QVERIFY(lowest >= 0);
     Q_EMIT chooser->activated(lowest);
 
-    QTRY_VERIFY_WITH_TIMEOUT(!thresholds.entries().empty(), patienceMs);
-    const auto sent = thresholds.entries().front();
-    QVERIFY(sent.onRuntime);
-    QCOMPARE(sent.operation.loadThresholds, (std::array<int32_t, 3>{{1, 1, 1}}));
+    // The thresholds the window started with may still be on their way: the last one counts.
+    const std::array<int32_t, 3> lowered{{1, 1, 1}};
+    QTRY_VERIFY_WITH_TIMEOUT(!thresholds.entries().empty() &&
+                                 thresholds.entries().back().operation.loadThresholds == lowered,
+                             patienceMs);
+    for (const auto& sent : thresholds.entries()) {
+        QVERIFY(sent.onRuntime);
+    }
     QCOMPARE(window->manager()->loadThresholds(), (std::array<int32_t, 3>{{1, 1, 1}}));
 
     // Any machine running this uses more than 1 % of its memory.
