@@ -8,7 +8,9 @@
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>
 #include <vexainputsourcewidget/ndibox.h>
 #include <vexainputsourcewidget/streamingbox.h>
+#include <vexainputsourcewidget/stweboperation.h>
 #include <vexainputsourcewidget/version.h>
+#include <vexainputsourcewidget/webbox.h>
 
 #include <captureprobe/wgcsupport.h>
 #include <quandel/msgcenter/msgcentermgr.h>
@@ -34,6 +36,8 @@ using vexa::inputsource::CaptureCardBox;
 using vexa::inputsource::InputSourceBox;
 using vexa::inputsource::NdiBox;
 using vexa::inputsource::StreamingBox;
+using vexa::inputsource::STWebOperation;
+using vexa::inputsource::WebBox;
 
 // The panel's categories, top to bottom. A category without a key has a fixed title that no
 // language translates.
@@ -54,8 +58,11 @@ constexpr Category categories[] = {
 constexpr int panelWidth = 742;
 constexpr int statusIntervalMs = 1000;
 constexpr auto deviceArrivalInterval = std::chrono::seconds(20);
+// The load warning's thresholds the toolbar offers: the usual one, and lower ones under which
+// an ordinary machine's load shows the warning.
+constexpr int loadThresholds[] = {SimulatedInputSourceMgr::defaultLoadThreshold, 50, 10, 1};
 
-// The kinds with a box of their own; the others are plain boxes whose add the host handles.
+// Every kind has a box of its own, with its own way of adding.
 InputSourceBox* createBox(EnResourceType type, QWidget* parent)
 {
     switch (type) {
@@ -65,11 +72,9 @@ InputSourceBox* createBox(EnResourceType type, QWidget* parent)
         return new StreamingBox(parent);
     case EnResourceType::NdiSource:
         return new NdiBox(parent);
-    default: {
-        auto* box = new InputSourceBox(parent);
-        box->setResourceType(type);
-        return box;
-    }
+    case EnResourceType::WebPage:
+    default:
+        return new WebBox(parent);
     }
 }
 
@@ -77,6 +82,18 @@ QString text(const char* key)
 {
     return quandel::trans::translate(InputSourceTranslateManager::instance().translator(),
                                      "InputSource", "Widget", key);
+}
+
+// The window's own texts, which the library's language files do not have.
+QString windowText(const char* key)
+{
+    return quandel::trans::translate(InputSourceTranslateManager::instance().translator(),
+                                     "DemoHost", "Window", key);
+}
+
+QString percentText(int percent)
+{
+    return QStringLiteral("%1 %").arg(percent);
 }
 
 QString levelName(int level)
@@ -116,7 +133,7 @@ struct DemoWindow::Impl
     void reportManagerEvents();
     void loadLanguages();
     void retranslate();
-    void addSource(EnResourceType type);
+    void chooseLoadThreshold(int percent);
     void refreshStatus();
     void addMessage(quint64 id);
     void removeMessage(quint64 id);
@@ -130,6 +147,10 @@ struct DemoWindow::Impl
     std::vector<sigslot::scoped_connection> managerEvents;
     QListWidget* messageList = nullptr;
     QLabel* status = nullptr;
+    QLabel* title = nullptr;
+    QLabel* messagesCaption = nullptr;
+    QLabel* loadThresholdLabel = nullptr;
+    vexa::widgets::ComboBox* loadThresholdChooser = nullptr;
     uint64_t framesAtLastStatus = 0;
 };
 
@@ -140,6 +161,10 @@ void DemoWindow::Impl::loadLanguages()
     for (const QString& file :
          folder.entryList({QStringLiteral("vexainputsourcewidget_*.qm")}, QDir::Files)) {
         translator.load(folder.filePath(file));
+    }
+    const QDir own(QStringLiteral(VEXA_DEMO_OWN_TRANSLATIONS_DIR));
+    for (const QString& file : own.entryList({QStringLiteral("demohost_*.qm")}, QDir::Files)) {
+        translator.load(own.filePath(file));
     }
     translator.switchLanguage(QStringLiteral("zh_CN"));
 }
@@ -154,7 +179,8 @@ QWidget* DemoWindow::Impl::buildToolbar()
     layout->setContentsMargins(14, 8, 12, 8);
     layout->setSpacing(12);
 
-    auto* title = new QLabel(QStringLiteral("Input sources"), bar);
+    title = new QLabel(bar);
+    title->setObjectName(QStringLiteral("windowTitle"));
     title->setProperty("fontSize", "L");
     title->setStyleSheet(QStringLiteral("font-weight: 600;"));
 
@@ -170,8 +196,23 @@ QWidget* DemoWindow::Impl::buildToolbar()
         languages, QOverload<int>::of(&QComboBox::activated), q,
         [this, languages](int index) { q->switchLanguage(languages->itemData(index).toString()); });
 
+    loadThresholdLabel = caption(QString(), bar);
+    loadThresholdLabel->setObjectName(QStringLiteral("loadThresholdLabel"));
+    loadThresholdChooser = new vexa::widgets::ComboBox(bar);
+    loadThresholdChooser->setObjectName(QStringLiteral("loadThresholdChooser"));
+    for (const int percent : loadThresholds) {
+        loadThresholdChooser->addItem(percentText(percent), percent);
+    }
+    loadThresholdLabel->setBuddy(loadThresholdChooser);
+    QObject::connect(
+        loadThresholdChooser, QOverload<int>::of(&QComboBox::activated), q,
+        [this](int index) { q->setLoadThreshold(loadThresholdChooser->itemData(index).toInt()); });
+
     layout->addWidget(title);
     layout->addWidget(status, 1);
+    layout->addWidget(loadThresholdLabel);
+    layout->addWidget(loadThresholdChooser);
+    layout->addSpacing(12);
     layout->addWidget(languages);
     return bar;
 }
@@ -230,7 +271,8 @@ QWidget* DemoWindow::Impl::buildMessages()
                          messageCentre.triggerAction(item->data(Qt::UserRole).toULongLong());
                      });
 
-    layout->addWidget(caption(QStringLiteral("Message centre"), panel));
+    messagesCaption = caption(QString(), panel);
+    layout->addWidget(messagesCaption);
     layout->addWidget(messageList, 1);
     return panel;
 }
@@ -238,16 +280,9 @@ QWidget* DemoWindow::Impl::buildMessages()
 void DemoWindow::Impl::bindBoxes()
 {
     for (InputSourceBox* box : boxes) {
-        const EnResourceType type = box->resourceType();
         QObject::connect(
             box, &InputSourceBox::signalCheckInputSourceBeUsed, q,
             [mgr = manager.get()](uint64_t id) { return mgr->isInUse(id); }, Qt::DirectConnection);
-        // The stream and NDI boxes add through their own dialogs; the capture box has no add
-        // button; the web box still adds a made-up page at once.
-        if (qobject_cast<StreamingBox*>(box) == nullptr && qobject_cast<NdiBox*>(box) == nullptr) {
-            QObject::connect(box, &InputSourceBox::signalAddClicked, q,
-                             [this, type] { addSource(type); });
-        }
         box->setInputSourceMgr(manager);
         // The host's device watcher: the simulated manager plays it, on its timer thread.
         if (auto* capture = qobject_cast<CaptureCardBox*>(box)) {
@@ -323,14 +358,38 @@ void DemoWindow::Impl::reportManagerEvents()
             post(QStringLiteral("Deleted %1 source(s).").arg(ids.size()),
                  quandel::msgcenter::STMessage::Info);
         }));
+    managerEvents.emplace_back(
+        manager->signalWebInfoChanged.connect([post](const STWebOperation& operation) {
+            // Readings and thresholds come every second; they are the web dialog's.
+            if (operation.code != STWebOperation::WebDescriptionChanged) {
+                return;
+            }
+            const auto& page = operation.webDescription;
+            post(QStringLiteral("%1 shows %2 (%3 tabs).")
+                     .arg(QString::fromStdString(page.name), QString::fromStdString(page.address))
+                     .arg(page.webTabs.size()),
+                 quandel::msgcenter::STMessage::Info);
+        }));
+    managerEvents.emplace_back(manager->signalWebPageReloaded.connect(
+        [post, nameOf](uint64_t id, const std::string& address) {
+            post(
+                QStringLiteral("Reloading %1: %2").arg(nameOf(id), QString::fromStdString(address)),
+                quandel::msgcenter::STMessage::Notice);
+        }));
 }
 
 void DemoWindow::Impl::retranslate()
 {
+    title->setText(windowText("InputSources"));
+    messagesCaption->setText(windowText("MessageCentre"));
+    loadThresholdLabel->setText(windowText("LoadWarningAbove"));
+    // The web box chooses the home page of new tabs by the code, so it comes first.
+    const QString code = InputSourceTranslateManager::instance().translator().currentLanguage();
     for (std::size_t i = 0; i < boxes.size(); ++i) {
         const Category& category = categories[i];
         boxes[i]->setTitle(category.titleKey != nullptr ? text(category.titleKey)
                                                         : QLatin1String(category.fixedTitle));
+        boxes[i]->setLanguageCode(code);
         boxes[i]->translateLanguage();
     }
     // New streams are named in the operator's language.
@@ -344,18 +403,19 @@ void DemoWindow::Impl::retranslate()
         __FILE__, __LINE__, "DemoWindow::retranslate");
 }
 
-void DemoWindow::Impl::addSource(EnResourceType type)
+void DemoWindow::Impl::chooseLoadThreshold(int percent)
 {
-    if (!runtime.checkCall(__FILE__, __LINE__, "DemoWindow::addSource")) {
-        return;
+    int index = loadThresholdChooser->findData(percent);
+    if (index < 0) {
+        // A figure asked for on the command line: offered with the others, in their order.
+        index = 0;
+        while (index < loadThresholdChooser->count() &&
+               loadThresholdChooser->itemData(index).toInt() > percent) {
+            ++index;
+        }
+        loadThresholdChooser->insertItem(index, percentText(percent), percent);
     }
-    runtime.post(
-        [weak = std::weak_ptr<SimulatedInputSourceMgr>(manager), type] {
-            if (const auto mgr = weak.lock()) {
-                mgr->addInputSources({mgr->makeRecord(quandel::resource::toCode(type))});
-            }
-        },
-        __FILE__, __LINE__, "DemoWindow::addSource");
+    loadThresholdChooser->setCurrentIndex(index);
 }
 
 void DemoWindow::Impl::refreshStatus()
@@ -421,6 +481,7 @@ DemoWindow::DemoWindow(QWidget* parent)
     d->bindBoxes();
     d->retranslate();
     d->manager->seedDemoSources();
+    d->manager->startLoadReadings();
 
     auto* statusTimer = new QTimer(this);
     connect(statusTimer, &QTimer::timeout, this, [this] { d->refreshStatus(); });
@@ -459,6 +520,12 @@ void DemoWindow::switchLanguage(const QString& code)
         chooser->setCurrentIndex(chooser->findData(code));
     }
     d->retranslate();
+}
+
+void DemoWindow::setLoadThreshold(int percent)
+{
+    d->chooseLoadThreshold(percent);
+    d->manager->setLoadThresholds({{percent, percent, percent}});
 }
 
 std::vector<InputSourceBox*> DemoWindow::boxes() const

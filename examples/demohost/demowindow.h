@@ -19,7 +19,8 @@ class SimulatedInputSourceMgr;
 
 /// The demo host's main window: the input sources panel (one box per kind of source: capture
 /// cards, network streams, NDI senders, web pages) bound to a simulated manager on a real
-/// runtime thread, the message centre beside it, and a language chooser.
+/// runtime thread, the message centre beside it, a language chooser and a chooser of the load
+/// warning's threshold.
 ///
 /// GUI thread only. The window owns the runtime, the manager and the boxes; its destructor
 /// unbinds the boxes, stops the manager's threads and then the runtime.
@@ -37,6 +38,10 @@ public:
 
     /// Switches the panel to language `code` ("zh_CN", "zh_TW", "en_US"), as the chooser does.
     void switchLanguage(const QString& code);
+
+    /// Makes `percent` the CPU, GPU and memory threshold of the web dialog's load warning, as
+    /// the toolbar's chooser does (a figure it does not offer is added to it).
+    void setLoadThreshold(int percent);
 
     /// The simulated manager behind the boxes.
     std::shared_ptr<SimulatedInputSourceMgr> manager() const;

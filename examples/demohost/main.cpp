@@ -1,8 +1,11 @@
 #include "demowindow.h"
+#include "simulatedinputsourcemgr.h"
 #include "themeloader.h"
 
 #include <vexainputsourcewidget/streamingbox.h>
 #include <vexainputsourcewidget/streamingdialog.h>
+#include <vexainputsourcewidget/webbox.h>
+#include <vexainputsourcewidget/webdialog.h>
 
 #include <vexa/widgets/editbox.h>
 #include <vexa/widgets/pushbutton.h>
@@ -16,9 +19,50 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScreen>
+#include <QScrollArea>
 #include <QTimer>
 
+#include <functional>
+
 namespace {
+
+// The first box of class Box in the window, or null.
+template <typename Box>
+Box* boxOf(demohost::DemoWindow& window)
+{
+    for (vexa::inputsource::InputSourceBox* candidate : window.boxes()) {
+        if (auto* box = qobject_cast<Box*>(candidate)) {
+            return box;
+        }
+    }
+    return nullptr;
+}
+
+// Types `text` into a dialog's field as an operator would: the field takes the focus, what it
+// held is selected and replaced key by key. The edit is still under way.
+void typeInto(vexa::widgets::EditBox* field, const QString& text)
+{
+    QWidget* const editor = field->focusProxy();
+    editor->setFocus(Qt::MouseFocusReason);
+    if (auto* const line = qobject_cast<QLineEdit*>(editor)) {
+        line->selectAll();
+    }
+    for (const QChar character : text) {
+        QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(character));
+        QApplication::sendEvent(editor, &press);
+    }
+}
+
+// Clicks the dialog's own surface, which ends the edit under way so that its rules apply.
+void clickSurface(vexa::widgets::Dialog* dialog)
+{
+    QWidget* surface = dialog->dialogWidget();
+    const QPoint spot(4, surface->height() - 4);
+    QMouseEvent click(QEvent::MouseButtonPress, spot, surface->mapToGlobal(spot), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(surface, &click);
+    QApplication::processEvents();
+}
 
 // Adds a stream as an operator would: opens the stream box's dialog, types `url` into the
 // address field, clicks the dialog's surface (which finishes the edit and checks the address),
@@ -26,12 +70,7 @@ namespace {
 void addStreamThroughTheDialog(demohost::DemoWindow& window, const QString& url,
                                const QString& file)
 {
-    vexa::inputsource::StreamingBox* box = nullptr;
-    for (vexa::inputsource::InputSourceBox* candidate : window.boxes()) {
-        if (auto* stream = qobject_cast<vexa::inputsource::StreamingBox*>(candidate)) {
-            box = stream;
-        }
-    }
+    auto* const box = boxOf<vexa::inputsource::StreamingBox>(window);
     if (box == nullptr) {
         return;
     }
@@ -41,19 +80,10 @@ void addStreamThroughTheDialog(demohost::DemoWindow& window, const QString& url,
         if (dialog == nullptr) {
             return;
         }
-        QWidget* editor =
-            dialog->findChild<vexa::widgets::EditBox*>(QStringLiteral("urlEdit"))->focusProxy();
-        editor->setFocus(Qt::MouseFocusReason);
-        for (const QChar character : url) {
-            QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(character));
-            QApplication::sendEvent(editor, &press);
-        }
-        QWidget* surface = dialog->dialogWidget();
-        const QPoint spot(4, surface->height() - 4);
-        QMouseEvent click(QEvent::MouseButtonPress, spot, surface->mapToGlobal(spot),
-                          Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(surface, &click);
-        QApplication::processEvents();
+        auto* const field = dialog->findChild<vexa::widgets::EditBox*>(QStringLiteral("urlEdit"));
+        QWidget* const editor = field->focusProxy();
+        typeInto(field, url);
+        clickSurface(dialog);
         dialog->grab().save(file);
         const bool refused = editor->property("style").toString() == QStringLiteral("editError");
         dialog
@@ -62,6 +92,97 @@ void addStreamThroughTheDialog(demohost::DemoWindow& window, const QString& url,
             ->click();
     });
     box->showDialog();
+}
+
+void save(const QPixmap& picture, const QString& path)
+{
+    if (!picture.save(path)) {
+        QCoreApplication::exit(1);
+    }
+}
+
+// The address field of the web dialog's tab row `row` (from 0), or null.
+vexa::widgets::EditBox* tabAddressField(vexa::inputsource::WebDialog* dialog, int row)
+{
+    auto* const list = dialog->findChild<QListWidget*>(QStringLiteral("tabListWidget"));
+    QWidget* const item =
+        list == nullptr || row >= list->count() ? nullptr : list->itemWidget(list->item(row));
+    return item == nullptr ? nullptr
+                           : item->findChild<vexa::widgets::EditBox*>(QStringLiteral("tabUrlEdit"));
+}
+
+// Works the web dialog the box is about to open as an operator would: `change` fills it in,
+// then a picture of it goes to `file`, and after `holdMs` OK confirms it.
+void workWebDialog(vexa::inputsource::WebBox* box, const QString& file, int holdMs,
+                   const std::function<void(vexa::inputsource::WebDialog*)>& change)
+{
+    QTimer::singleShot(400, box, [box, file, holdMs, change] {
+        vexa::inputsource::WebDialog* const dialog = box->dialog();
+        if (!dialog->isVisible()) {
+            QCoreApplication::exit(1);
+            return;
+        }
+        // Over the panel, so that the message centre stays in sight while the dialog is held.
+        dialog->move(box->window()->mapToGlobal(QPoint(60, 180)));
+        change(dialog);
+        clickSurface(dialog);
+        save(dialog->grab(), file);
+        QTimer::singleShot(holdMs, dialog, [box, dialog] {
+            dialog->findChild<vexa::widgets::PushButton*>(QStringLiteral("webOkBtn"))->click();
+            // The web box is the panel's last: the window's picture shows what changed.
+            if (auto* const panel =
+                    box->window()->findChild<QScrollArea*>(QStringLiteral("inputSourcePanel"))) {
+                panel->ensureWidgetVisible(box, 0, 0);
+            }
+        });
+    });
+}
+
+// Adds a web page with three tabs through the web box's dialog: two tabs more than the one it
+// proposes, the second with an address the dialog completes with "https://", the third a local
+// file.
+void addWebPageThroughTheDialog(demohost::DemoWindow& window, const QString& file, int holdMs)
+{
+    auto* const box = boxOf<vexa::inputsource::WebBox>(window);
+    if (box == nullptr) {
+        return;
+    }
+    workWebDialog(box, file, holdMs, [](vexa::inputsource::WebDialog* dialog) {
+        auto* const addTab = dialog->findChild<QPushButton*>(QStringLiteral("addTabBtn"));
+        addTab->click();
+        addTab->click();
+        QApplication::processEvents();
+        if (auto* const second = tabAddressField(dialog, 1)) {
+            typeInto(second, QStringLiteral("news.example.org/ticker"));
+        }
+        if (auto* const third = tabAddressField(dialog, 2)) {
+            typeInto(third, QStringLiteral("file:///srv/overlays/clock.html"));
+        }
+    });
+    box->showDialog(vexa::inputsource::WebBox::Add, 0);
+}
+
+// Edits the first web page through the web box's dialog: its first tab, the one shown, gets
+// another address, which the page's tile then shows.
+void editWebPageThroughTheDialog(demohost::DemoWindow& window, const QString& file, int holdMs)
+{
+    auto* const box = boxOf<vexa::inputsource::WebBox>(window);
+    uint64_t first = 0;
+    for (const auto& resource : window.manager()->getResources()) {
+        if (resource->getType() == quandel::resource::EnResourceType::WebPage &&
+            (first == 0 || resource->getId() < first)) {
+            first = resource->getId();
+        }
+    }
+    if (box == nullptr || first == 0) {
+        return;
+    }
+    workWebDialog(box, file, holdMs, [](vexa::inputsource::WebDialog* dialog) {
+        if (auto* const shown = tabAddressField(dialog, 0)) {
+            typeInto(shown, QStringLiteral("courtside.example.org/live"));
+        }
+    });
+    box->showDialog(vexa::inputsource::WebBox::Edit, first);
 }
 
 QWidget* ndiDialog()
@@ -81,13 +202,6 @@ QWidget* ndiRow(int index)
         dialog == nullptr ? nullptr : dialog->findChild<QListWidget*>(QStringLiteral("ndiList"));
     return list == nullptr || index >= list->count() ? nullptr
                                                      : list->itemWidget(list->item(index));
-}
-
-void save(const QPixmap& picture, const QString& path)
-{
-    if (!picture.save(path)) {
-        QCoreApplication::exit(1);
-    }
 }
 
 // Opens the NDI dialog and saves three pictures while discovery fills it: the list after the
@@ -174,6 +288,36 @@ int main(int argc, char** argv)
             "With --screenshot <file>: open the NDI dialog and save three pictures of it "
             "as <file>-filling.png, <file>-halfchecked.png and <file>-refused.png."));
     parser.addOption(ndi);
+    const QCommandLineOption webDialog(
+        QStringLiteral("web-dialog"),
+        QStringLiteral("After a second, add a web page with three tabs through the dialog and save "
+                       "a picture of the dialog to <file>."),
+        QStringLiteral("file"));
+    const QCommandLineOption webEdit(
+        QStringLiteral("web-edit"),
+        QStringLiteral("After a second, change the address of the first web page's first tab "
+                       "through the dialog and save a picture of the dialog to <file>."),
+        QStringLiteral("file"));
+    const QCommandLineOption holdDialog(
+        QStringLiteral("hold-dialog"),
+        QStringLiteral("With --web-dialog or --web-edit: keep the dialog open <ms> milliseconds "
+                       "after its picture before confirming it."),
+        QStringLiteral("ms"), QStringLiteral("0"));
+    const QCommandLineOption loadThreshold(
+        QStringLiteral("load-threshold"),
+        QStringLiteral("Warn of a CPU, GPU or memory use above <percent> (85 by default) that "
+                       "lasts 30 seconds."),
+        QStringLiteral("percent"));
+    const QCommandLineOption screenshotAfter(
+        QStringLiteral("screenshot-after"),
+        QStringLiteral("With --screenshot: take the picture after <ms> milliseconds (2500 by "
+                       "default)."),
+        QStringLiteral("ms"), QStringLiteral("2500"));
+    parser.addOption(webDialog);
+    parser.addOption(webEdit);
+    parser.addOption(holdDialog);
+    parser.addOption(loadThreshold);
+    parser.addOption(screenshotAfter);
     parser.process(app);
     app.setStyleSheet(vexa::widgets::defaultStyleSheet() +
                       demohost::ThemeLoader::styleSheet(demohost::ThemeLoader::themesDir()));
@@ -183,6 +327,19 @@ int main(int argc, char** argv)
     window.show();
     if (parser.isSet(language)) {
         window.switchLanguage(parser.value(language));
+    }
+    if (parser.isSet(loadThreshold)) {
+        window.setLoadThreshold(parser.value(loadThreshold).toInt());
+    }
+    const int holdMs = parser.value(holdDialog).toInt();
+    if (parser.isSet(webDialog)) {
+        QTimer::singleShot(1000, &window, [&window, file = parser.value(webDialog), holdMs] {
+            addWebPageThroughTheDialog(window, file, holdMs);
+        });
+    } else if (parser.isSet(webEdit)) {
+        QTimer::singleShot(1000, &window, [&window, file = parser.value(webEdit), holdMs] {
+            editWebPageThroughTheDialog(window, file, holdMs);
+        });
     }
     if (parser.isSet(streamDialog)) {
         QTimer::singleShot(1000, &window, [&window, &parser, &streamUrl, &streamDialog] {
@@ -196,9 +353,12 @@ int main(int argc, char** argv)
         shootNdiDialog(&window, base);
     } else if (parser.isSet(screenshot)) {
         const QString path = parser.value(screenshot);
-        QTimer::singleShot(2500, &window, [&window, path] {
-            const bool saved = window.grab().save(path);
-            QCoreApplication::exit(saved ? 0 : 1);
+        QTimer::singleShot(parser.value(screenshotAfter).toInt(), &window, [&window, path] {
+            // With a dialog open, the picture shows the screen, as a person sees both.
+            const QPixmap picture = QApplication::activeModalWidget() != nullptr
+                                        ? QGuiApplication::primaryScreen()->grabWindow(0)
+                                        : window.grab();
+            QCoreApplication::exit(picture.save(path) ? 0 : 1);
         });
     }
     if (parser.isSet(quitAfter)) {

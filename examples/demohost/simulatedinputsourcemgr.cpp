@@ -2,6 +2,7 @@
 
 #include "delayedposter.h"
 #include "syntheticpicture.h"
+#include "systemload.h"
 
 #include <quandel/resource/valueresource.h>
 #include <quandel/runtime/izqruntime.h>
@@ -15,11 +16,14 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <condition_variable>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <thread>
+#include <utility>
 
 namespace demohost {
 
@@ -150,6 +154,18 @@ Delivery applyExtraction(zq::mediacore::MetaValues& values, const STInputSource&
     return delivery;
 }
 
+// The notification of what source `id` of kind `type` delivers.
+STInputSource resolutionReport(uint64_t id, int32_t type, const Delivery& delivery)
+{
+    STInputSource report;
+    report.id = id;
+    report.sourceType = type;
+    report.resolutionWidth = delivery.width;
+    report.resolutionHeight = delivery.height;
+    report.frameRate = static_cast<int32_t>(delivery.frameRate);
+    return report;
+}
+
 QStringList namesOf(const std::vector<std::string>& names)
 {
     QStringList list;
@@ -204,6 +220,10 @@ struct SimulatedInputSourceMgr::Impl
     void onRuntime(std::function<void(SimulatedInputSourceMgr&)> body);
     void later(std::chrono::milliseconds delay, std::function<void(SimulatedInputSourceMgr&)> body);
     void extract(const std::vector<uint64_t>& ids);
+    void editWebPage(const STWebOperation& operation);
+    void reloadWebPage(uint64_t id);
+    void loadTick();
+    void sendThresholds();
     void tick();
     void deviceTick(uint64_t generation);
     void runFrames();
@@ -219,8 +239,14 @@ struct SimulatedInputSourceMgr::Impl
     std::vector<NdiSender> senders = madeUpSenders();
     std::chrono::milliseconds extractionDelay{300};
 
+    std::array<int32_t, 3> loadThresholds{
+        {defaultLoadThreshold, defaultLoadThreshold, defaultLoadThreshold}};
+    // Read by the load tick only, on the runtime thread.
+    SystemLoad systemLoad;
+
     std::atomic<bool> stopped{false};
     std::atomic<bool> ticking{false};
+    std::atomic<bool> readingLoad{false};
     std::atomic<uint64_t> totalFrames{0};
     DelayedPoster poster;
 
@@ -352,18 +378,13 @@ void SimulatedInputSourceMgr::Impl::extract(const std::vector<uint64_t>& ids)
             values.thumbnail = stills[id];
             const Delivery delivery = applyExtraction(values, source->record);
             source->meta->setValues(values);
-            STInputSource resolution;
-            resolution.id = id;
-            resolution.sourceType = source->record.sourceType;
-            resolution.resolutionWidth = delivery.width;
-            resolution.resolutionHeight = delivery.height;
-            resolution.frameRate = static_cast<int32_t>(delivery.frameRate);
-            resolutions.push_back(resolution);
+            resolutions.push_back(resolutionReport(id, source->record.sourceType, delivery));
             source->online = true;
             source->onlineSince = Clock::now();
             wentOnline[source->record.sourceType][id] = true;
             extracted.push_back(source->resource);
-            if (source->record.preview) {
+            // The preview asked for at creation; a page reloaded later keeps the operator's.
+            if (std::exchange(source->record.preview, false)) {
                 source->previewed = true;
                 STInputSource report;
                 report.id = id;
@@ -392,6 +413,115 @@ void SimulatedInputSourceMgr::Impl::extract(const std::vector<uint64_t>& ids)
     if (!previewed.empty()) {
         q->signalPreviewedChanged(previewed);
     }
+}
+
+void SimulatedInputSourceMgr::Impl::editWebPage(const STWebOperation& operation)
+{
+    STWebOperation report;
+    report.code = STWebOperation::WebDescriptionChanged;
+    report.id = operation.id;
+    std::optional<STResourceRenamedModel> renamed;
+    std::optional<STInputSource> resolution;
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        Source* const source = find(operation.id);
+        if (source == nullptr || source->record.sourceType != webKind) {
+            VEXA_WARNING(
+                QStringLiteral("web operation on %1, which is no web page").arg(operation.id));
+            return;
+        }
+        const auto& wanted = operation.webDescription;
+        STInputSource& record = source->record;
+        if (!wanted.name.empty() && wanted.name != record.name) {
+            // The dialog asked before sending, but another request may have taken the name
+            // since: the page then keeps its own, as a rename would.
+            const bool taken =
+                std::any_of(sources.begin(), sources.end(), [&](const Source& other) {
+                    return other.record.id != record.id && other.record.name == wanted.name;
+                });
+            if (!taken) {
+                record.name = wanted.name;
+                source->resource->setName(wanted.name);
+            }
+            renamed = STResourceRenamedModel{record.id, record.name, {}, {}, taken ? 1U : 0U};
+        }
+        record.address = wanted.address;
+        if (record.address.empty() && !wanted.webTabs.empty()) {
+            record.address = wanted.webTabs.front().url;
+        }
+        record.webName = wanted.webName;
+        record.currentTabIndex = wanted.currentTabIndex;
+        record.webMode = wanted.webMode;
+        record.webTabs = wanted.webTabs;
+
+        zq::mediacore::MetaValues values = describe(record);
+        const zq::mediacore::MetaValues previous = source->meta->values();
+        values.thumbnail = previous.thumbnail;
+        if (source->online) {
+            // The mode decides the size a page is rendered at.
+            resolution = resolutionReport(record.id, webKind, applyExtraction(values, record));
+        }
+        source->meta->setValues(values);
+        report.webDescription = {record.name,    record.address,
+                                 record.webName, record.currentTabIndex,
+                                 record.webMode, record.webTabs};
+    }
+    onRuntime([report, renamed, resolution](SimulatedInputSourceMgr& mgr) {
+        if (renamed) {
+            bool repeated = false;
+            mgr.signalResourceRenamed(*renamed, repeated);
+        }
+        mgr.signalWebInfoChanged(report);
+        if (resolution) {
+            mgr.signalResolutionUpdated(*resolution);
+        }
+    });
+}
+
+void SimulatedInputSourceMgr::Impl::reloadWebPage(uint64_t id)
+{
+    std::string address;
+    std::chrono::milliseconds delay{};
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        Source* const source = find(id);
+        if (source == nullptr || source->record.sourceType != webKind) {
+            VEXA_WARNING(QStringLiteral("reload of %1, which is no web page").arg(id));
+            return;
+        }
+        // Offline until the page has loaded again, as after its creation.
+        source->online = false;
+        address = source->record.address;
+        delay = extractionDelay;
+    }
+    qInfo("reloading web page %llu: %s", static_cast<unsigned long long>(id), address.c_str());
+    onRuntime([id, address](SimulatedInputSourceMgr& mgr) {
+        mgr.signalWebPageReloaded(id, address);
+        mgr.signalOnlineStatusChanged({{id, false}}, webKind);
+    });
+    later(delay, [id](SimulatedInputSourceMgr& mgr) { mgr.d->extract({id}); });
+}
+
+void SimulatedInputSourceMgr::Impl::sendThresholds()
+{
+    STWebOperation report;
+    report.code = STWebOperation::LoadThresholds;
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        report.loadThresholds = loadThresholds;
+    }
+    onRuntime([report](SimulatedInputSourceMgr& mgr) { mgr.signalWebInfoChanged(report); });
+}
+
+void SimulatedInputSourceMgr::Impl::loadTick()
+{
+    STWebOperation report;
+    report.code = STWebOperation::LoadReadings;
+    // The GPU's use is not something the kernel tells: it stays unknown.
+    report.loadReadings = {
+        {systemLoad.cpuPercent(), SystemLoad::unknown, systemLoad.memoryPercent()}};
+    q->signalWebInfoChanged(report);
+    later(loadReadingInterval, [](SimulatedInputSourceMgr& mgr) { mgr.d->loadTick(); });
 }
 
 void SimulatedInputSourceMgr::Impl::tick()
@@ -685,41 +815,22 @@ bool SimulatedInputSourceMgr::isNameRepeated(const std::string& name)
 
 void SimulatedInputSourceMgr::webOperation(const STWebOperation& operation)
 {
-    STWebOperation report;
-    report.code = STWebOperation::WebDescriptionChanged;
-    report.id = operation.id;
-    {
-        std::lock_guard<std::mutex> lock(d->mutex);
-        Impl::Source* const source = d->find(operation.id);
-        if (source == nullptr || source->record.sourceType != webKind) {
-            VEXA_WARNING(
-                QStringLiteral("web operation on %1, which is no web page").arg(operation.id));
-            return;
-        }
-        const auto& wanted = operation.webDescription;
-        STInputSource& record = source->record;
-        if (!wanted.name.empty()) {
-            record.name = wanted.name;
-            source->resource->setName(wanted.name);
-        }
-        record.address = wanted.address;
-        record.webName = wanted.webName;
-        record.currentTabIndex = wanted.currentTabIndex;
-        record.webMode = wanted.webMode;
-        record.webTabs = wanted.webTabs;
-
-        zq::mediacore::MetaValues values = describe(record);
-        const zq::mediacore::MetaValues previous = source->meta->values();
-        values.thumbnail = previous.thumbnail;
-        if (source->online) {
-            applyExtraction(values, record);
-        }
-        source->meta->setValues(values);
-        report.webDescription = {record.name,    record.address,
-                                 record.webName, record.currentTabIndex,
-                                 record.webMode, record.webTabs};
+    if (operation.kind != 1) {
+        VEXA_WARNING(QStringLiteral("web operation of kind %1").arg(operation.kind));
+        return;
     }
-    d->onRuntime([report](SimulatedInputSourceMgr& mgr) { mgr.signalWebInfoChanged(report); });
+    switch (operation.code) {
+    case 0:
+        d->reloadWebPage(operation.id);
+        break;
+    case STWebOperation::WebDescriptionChanged:
+        d->editWebPage(operation);
+        break;
+    default:
+        VEXA_WARNING(QStringLiteral("web operation code %1 is not one this host answers")
+                         .arg(operation.code));
+        break;
+    }
 }
 
 void SimulatedInputSourceMgr::changeCaptResolution(const STInputSource& source)
@@ -792,6 +903,30 @@ void SimulatedInputSourceMgr::refreshCaptureDevices()
     }
     d->onRuntime(
         [devices](SimulatedInputSourceMgr& mgr) { mgr.signalCaptureDevicesChanged(devices); });
+}
+
+void SimulatedInputSourceMgr::startLoadReadings()
+{
+    if (d->readingLoad.exchange(true)) {
+        return;
+    }
+    d->sendThresholds();
+    d->later(loadReadingInterval, [](SimulatedInputSourceMgr& mgr) { mgr.d->loadTick(); });
+}
+
+void SimulatedInputSourceMgr::setLoadThresholds(const std::array<int32_t, 3>& thresholds)
+{
+    {
+        std::lock_guard<std::mutex> lock(d->mutex);
+        d->loadThresholds = thresholds;
+    }
+    d->sendThresholds();
+}
+
+std::array<int32_t, 3> SimulatedInputSourceMgr::loadThresholds() const
+{
+    std::lock_guard<std::mutex> lock(d->mutex);
+    return d->loadThresholds;
 }
 
 void SimulatedInputSourceMgr::setFrameSink(FrameSink sink)

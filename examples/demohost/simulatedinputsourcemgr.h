@@ -2,6 +2,7 @@
 
 #include <vexainputsourcewidget/iinputsourcemgr.h>
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -23,7 +24,10 @@ namespace demohost {
 /// resources with a media description, they are "extracted" (thumbnail, resolution, frame
 /// rate) a moment after they were added and then go online, their running time ticks every
 /// second, and every previewed online source delivers an animated picture at 25 frames per
-/// second to a frame sink.
+/// second to a frame sink. Web pages keep their tabs: an edit (web operation code 14) changes
+/// them, a double click (code 0) reloads the page, and once startLoadReadings() was called the
+/// machine's CPU and memory use go out every second (code 15) with the thresholds (code 16)
+/// that the web dialog's load watch compares them with.
 ///
 /// Threads: the requests of IInputSourceMgr run on the runtime thread and fire their
 /// notifications there before they return; what the devices report later (extraction, online,
@@ -47,6 +51,12 @@ public:
     /// Told on the timer thread that a capture device arrived (true) or left, as a host's
     /// device watcher would tell it.
     using DeviceSink = std::function<void(bool isArrival)>;
+
+    /// The CPU, GPU and memory thresholds sent until setLoadThresholds(), in percent.
+    static constexpr int32_t defaultLoadThreshold = 85;
+
+    /// How often the load readings go out.
+    static constexpr std::chrono::milliseconds loadReadingInterval{1000};
 
     /// Width and height of the frames the sources deliver.
     static constexpr int frameWidth = 480;
@@ -74,6 +84,21 @@ public:
     void webOperation(const vexa::inputsource::STWebOperation& operation) override;
     void changeCaptResolution(const vexa::inputsource::STInputSource& source) override;
     void refreshCaptureDevices() override;
+
+    /// Fired on the runtime thread when a web page is reloaded (a double click on its tile),
+    /// with its id and the address it loads again. The page goes offline and comes back online
+    /// as after its creation. The host's own notification; no panel listens to it.
+    sigslot::signal<uint64_t, const std::string&> signalWebPageReloaded;
+
+    /// Starts sending the machine's load: at once the thresholds (signalWebInfoChanged with
+    /// code 16), then every loadReadingInterval the CPU and memory use read from the system
+    /// and the GPU use as unknown (code 15; -1 for what the system does not tell). All on the
+    /// runtime thread. Idempotent.
+    void startLoadReadings();
+
+    /// Takes new CPU, GPU and memory thresholds (percent) and sends them (code 16).
+    void setLoadThresholds(const std::array<int32_t, 3>& thresholds);
+    std::array<int32_t, 3> loadThresholds() const;
 
     /// Replaces the frame sink; an empty function stops delivery. Once this returns, the
     /// previous sink is no longer called, so its owner may go.

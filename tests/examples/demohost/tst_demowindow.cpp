@@ -7,23 +7,35 @@
 #include <vexainputsourcewidget/inputsourcebox.h>
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>
 #include <vexainputsourcewidget/streamingbox.h>
+#include <vexainputsourcewidget/stweboperation.h>
 #include <vexainputsourcewidget/testing/modalanswerer.h>
+#include <vexainputsourcewidget/webbox.h>
+#include <vexainputsourcewidget/webdialog.h>
 
+#include <quandel/runtime/zqruntime.h>
 #include <vexa/widgets/combobox.h>
 #include <vexa/widgets/editbox.h>
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
+#include <QTimer>
 #include <QtTest>
 
+#include <atomic>
+#include <chrono>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <vector>
 
 using demohost::DemoWindow;
 using vexa::inputsource::DiplayWind;
 using vexa::inputsource::InputSourceBox;
 using vexa::inputsource::InputSourceItem;
+using vexa::inputsource::STWebOperation;
+using vexa::inputsource::WebBox;
 
 namespace {
 
@@ -97,6 +109,86 @@ InputSourceItem* tileOf(const DemoWindow& window, int kind, const std::string& n
     return found ? tile : nullptr;
 }
 
+// The field `name` ("tabNameEdit", "tabUrlEdit") of the web dialog's tab row `row` (from 0).
+vexa::widgets::EditBox* tabField(QWidget* dialog, int row, const char* name)
+{
+    auto* const list = dialog->findChild<QListWidget*>(QStringLiteral("tabListWidget"));
+    QWidget* const item = row < list->count() ? list->itemWidget(list->item(row)) : nullptr;
+    return item == nullptr ? nullptr
+                           : item->findChild<vexa::widgets::EditBox*>(QLatin1String(name));
+}
+
+// Replaces a dialog field's text by typing and moves on with Tab, which ends the edit.
+void enter(vexa::widgets::EditBox* field, const QString& text)
+{
+    auto* const editor = qobject_cast<QLineEdit*>(field->focusProxy());
+    editor->setFocus(Qt::OtherFocusReason);
+    editor->selectAll();
+    QTest::keyClick(editor, Qt::Key_Backspace);
+    QTest::keyClicks(editor, text);
+    QTest::keyClick(editor, Qt::Key_Tab);
+}
+
+// The texts of the window's message list, oldest first.
+QStringList messagesOf(const DemoWindow& window)
+{
+    QStringList texts;
+    auto* const list = window.findChild<QListWidget*>(QStringLiteral("messageList"));
+    for (int row = 0; row < list->count(); ++row) {
+        texts << list->item(row)->text();
+    }
+    return texts;
+}
+
+// Whether a message containing `part` was shown, and where (-1 when not).
+int messageIndex(const DemoWindow& window, const QString& part, int from = 0)
+{
+    const QStringList texts = messagesOf(window);
+    for (int row = from; row < texts.size(); ++row) {
+        if (texts[row].contains(part)) {
+            return row;
+        }
+    }
+    return -1;
+}
+
+// The web notifications of one code, as they arrived, and whether each came on the runtime
+// thread.
+class WebNotifications
+{
+public:
+    struct Entry
+    {
+        STWebOperation operation;
+        bool onRuntime;
+        std::chrono::steady_clock::time_point at;
+    };
+
+    WebNotifications(demohost::SimulatedInputSourceMgr& mgr, quandel::IZQRuntime& runtime,
+                     int32_t code)
+        : m_connection(mgr.signalWebInfoChanged.connect(
+              [this, &runtime, code](const STWebOperation& operation) {
+                  if (operation.code != code) {
+                      return;
+                  }
+                  std::lock_guard<std::mutex> lock(m_mutex);
+                  m_entries.push_back(
+                      {operation, runtime.isInRuntimeThread(), std::chrono::steady_clock::now()});
+              }))
+    {}
+
+    std::vector<Entry> entries() const
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return m_entries;
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    std::vector<Entry> m_entries;
+    sigslot::scoped_connection m_connection;
+};
+
 QString titleOf(InputSourceBox* box)
 {
     return box->findChild<QLabel*>(QStringLiteral("boxTitleLabel"))->text();
@@ -105,6 +197,12 @@ QString titleOf(InputSourceBox* box)
 vexa::widgets::EditBox* nameEditorOf(InputSourceItem* tile)
 {
     return tile->findChild<vexa::widgets::EditBox*>(QStringLiteral("nameEdit"));
+}
+
+// A web tile's second line.
+vexa::widgets::EditBox* addressOf(InputSourceItem* tile)
+{
+    return tile->findChild<vexa::widgets::EditBox*>(QStringLiteral("urlEdit"));
 }
 
 // Types `name` into the tile's name editor as the operator would and presses Enter.
@@ -159,6 +257,12 @@ private Q_SLOTS:
     void deletingASourceInUseAfterConfirmation();
     void aCancelledDeleteKeepsTheSource();
     void aLanguageSwitchRetitlesTheBoxesAndNamesNewStreams();
+    void theWebBoxIsBoundAndTakesTheLanguageCode();
+    void addingAWebPageWithThreeTabsCreatesATile();
+    void editingAWebPageChangesItsTabsAndTheTilesAddress();
+    void aDoubleClickReloadsThePage();
+    void loadReadingsComeEverySecondOnTheRuntime();
+    void aLowerThresholdIsSentAndTheLoadWarningAppears();
 };
 
 void TestDemoWindow::theBoxesShowTheSeededSources()
@@ -365,6 +469,228 @@ void TestDemoWindow::aLanguageSwitchRetitlesTheBoxesAndNamesNewStreams()
              QStringLiteral("Stream 1"));
     QTRY_COMPARE_WITH_TIMEOUT(streams->itemCount(), 4, patienceMs);
     QVERIFY(idOf(*window, "Stream 1") != 0);
+}
+
+void TestDemoWindow::theWebBoxIsBoundAndTakesTheLanguageCode()
+{
+    const auto window = openWindow();
+    QVERIFY(window != nullptr);
+    auto* const pages = qobject_cast<WebBox*>(boxOf(*window, webKind));
+    QVERIFY(pages != nullptr);
+    QCOMPARE(pages->languageCode(), QStringLiteral("zh_CN"));
+    QCOMPARE(pages->dialog()->languageCode(), QStringLiteral("zh_CN"));
+    QVERIFY(pages->inputSourceMgr().lock() == window->manager());
+    // Bound like the other boxes: the web tiles arrive from the manager's notifications.
+    QTRY_COMPARE_WITH_TIMEOUT(pages->itemCount(), 2, patienceMs);
+
+    for (const QString& code :
+         {QStringLiteral("en_US"), QStringLiteral("zh_TW"), QStringLiteral("zh_CN")}) {
+        window->switchLanguage(code);
+        QCOMPARE(pages->languageCode(), code);
+        QCOMPARE(pages->dialog()->languageCode(), code);
+        // The dialog is translated with the box.
+        QCOMPARE(pages->dialog()->findChild<QLabel*>(QStringLiteral("webNameLabel"))->text(),
+                 text("WebResourceName"));
+    }
+}
+
+void TestDemoWindow::addingAWebPageWithThreeTabsCreatesATile()
+{
+    const auto window = openWindow();
+    QVERIFY(window != nullptr);
+    auto* const pages = qobject_cast<WebBox*>(boxOf(*window, webKind));
+    QTRY_COMPARE_WITH_TIMEOUT(pages->itemCount(), 2, patienceMs);
+
+    QString proposed;
+    vexa::testing::ModalAnswerer answerer;
+    answerer.setTimeout(patienceMs);
+    answerer.whenShown([&proposed](QWidget* modal) {
+        QApplication::setActiveWindow(modal);
+        proposed = modal->findChild<vexa::widgets::EditBox*>(QStringLiteral("webNameEdit"))->text();
+        auto* const addTab = modal->findChild<QPushButton*>(QStringLiteral("addTabBtn"));
+        QTest::mouseClick(addTab, Qt::LeftButton);
+        QTest::mouseClick(addTab, Qt::LeftButton);
+        enter(tabField(modal, 1, "tabNameEdit"), QStringLiteral("Ticker"));
+        enter(tabField(modal, 2, "tabUrlEdit"), QStringLiteral("news.example.org/ticker"));
+        QTest::mouseClick(modal->findChild<QPushButton*>(QStringLiteral("webOkBtn")),
+                          Qt::LeftButton);
+    });
+    QTest::mouseClick(pages->findChild<QPushButton*>(QStringLiteral("boxAddButton")),
+                      Qt::LeftButton);
+    QVERIFY2(answerer.answered(), qPrintable(answerer.errorString()));
+    QCOMPARE(answerer.modalClassName(), QStringLiteral("vexa::inputsource::WebDialog"));
+    QCOMPARE(proposed, text("WebPage") + QStringLiteral("1"));
+
+    InputSourceItem* const tile = tileOf(*window, webKind, proposed.toStdString());
+    QVERIFY(tile != nullptr);
+    QCOMPARE(pages->itemCount(), 3);
+    const auto meta = window->manager()->getResourceById(tile->id())->getMeta();
+    const auto tabs = meta->getWebTabs();
+    QCOMPARE(tabs.size(), std::size_t(3));
+    // The proposed tab shows the home page of the language the window started in.
+    const std::string home = pages->dialog()->homePageFor(QStringLiteral("zh_CN")).toStdString();
+    QCOMPARE(tabs[0].name, (text("WebTab") + QStringLiteral("1")).toStdString());
+    QCOMPARE(tabs[0].url, home);
+    QCOMPARE(tabs[1].name, std::string("Ticker"));
+    QCOMPARE(tabs[2].url, std::string("https://news.example.org/ticker"));
+    QCOMPARE(meta->getWebCurrentTabIndex(), 1);
+    QCOMPARE(meta->getAddress(), home);
+    QCOMPARE(addressOf(tile)->text(), QString::fromStdString(home));
+    QTRY_VERIFY_WITH_TIMEOUT(tile->isOnline(), patienceMs);
+}
+
+void TestDemoWindow::editingAWebPageChangesItsTabsAndTheTilesAddress()
+{
+    const auto window = openWindow();
+    QVERIFY(window != nullptr);
+    const uint64_t id = idOf(*window, "Scoreboard");
+    InputSourceItem* const tile = tileOf(*window, webKind, "Scoreboard");
+    QVERIFY(tile != nullptr);
+
+    QStringList shown;
+    vexa::testing::ModalAnswerer answerer;
+    answerer.setTimeout(patienceMs);
+    answerer.whenShown([&shown](QWidget* modal) {
+        QApplication::setActiveWindow(modal);
+        // The page's own description: its name and both tabs.
+        shown << modal->findChild<vexa::widgets::EditBox*>(QStringLiteral("webNameEdit"))->text();
+        for (int row = 0; tabField(modal, row, "tabUrlEdit") != nullptr; ++row) {
+            shown << tabField(modal, row, "tabNameEdit")->text()
+                  << tabField(modal, row, "tabUrlEdit")->text();
+        }
+        enter(modal->findChild<vexa::widgets::EditBox*>(QStringLiteral("webNameEdit")),
+              QStringLiteral("Final Scores"));
+        enter(tabField(modal, 0, "tabUrlEdit"), QStringLiteral("scores.example.org/final"));
+        QTest::mouseClick(modal->findChild<QPushButton*>(QStringLiteral("webOkBtn")),
+                          Qt::LeftButton);
+    });
+    // "Edit" in the tile's menu.
+    Q_EMIT tile->signalEdit(id);
+    QVERIFY2(answerer.answered(), qPrintable(answerer.errorString()));
+    const QStringList expected = {QStringLiteral("Scoreboard"), QStringLiteral("Live"),
+                                  QStringLiteral("https://scores.example.org/live"),
+                                  QStringLiteral("Standings"),
+                                  QStringLiteral("https://scores.example.org/standings")};
+    QCOMPARE(shown, expected);
+
+    const auto resource = window->manager()->getResourceById(id);
+    QCOMPARE(resource->getName(), std::string("Final Scores"));
+    const auto tabs = resource->getMeta()->getWebTabs();
+    QCOMPARE(tabs.size(), std::size_t(2));
+    QCOMPARE(tabs[0].url, std::string("https://scores.example.org/final"));
+    QCOMPARE(tabs[1].url, std::string("https://scores.example.org/standings"));
+    QCOMPARE(resource->getMeta()->getAddress(), std::string("https://scores.example.org/final"));
+
+    // The tile follows: the shown tab's address on its second line, and the new name.
+    QTRY_COMPARE_WITH_TIMEOUT(addressOf(tile)->text(),
+                              QStringLiteral("https://scores.example.org/final"), patienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(nameEditorOf(tile)->text(), QStringLiteral("Final Scores"),
+                              patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        messageIndex(*window,
+                     QStringLiteral("Final Scores shows https://scores.example.org/final")) >= 0,
+        patienceMs);
+}
+
+void TestDemoWindow::aDoubleClickReloadsThePage()
+{
+    const auto window = openWindow();
+    QVERIFY(window != nullptr);
+    const uint64_t id = idOf(*window, "Scoreboard");
+    InputSourceItem* const tile = tileOf(*window, webKind, "Scoreboard");
+    QVERIFY(tile != nullptr);
+    QTRY_VERIFY_WITH_TIMEOUT(tile->isOnline(), patienceMs);
+
+    QTest::mouseDClick(tile, Qt::LeftButton);
+    const QString reloading =
+        QStringLiteral("Reloading Scoreboard: https://scores.example.org/live");
+    QTRY_VERIFY_WITH_TIMEOUT(messageIndex(*window, reloading) >= 0, patienceMs);
+    // The page loads again: offline for a moment, then online, with its tabs as they were.
+    const int reloaded = messageIndex(*window, reloading);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        messageIndex(*window, QStringLiteral("Scoreboard is offline."), reloaded) > reloaded,
+        patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        messageIndex(*window, QStringLiteral("Scoreboard is online."), reloaded) > reloaded,
+        patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(tile->isOnline(), patienceMs);
+    QVERIFY(window->manager()->isInUse(id));
+    QCOMPARE(window->manager()->getResourceById(id)->getMeta()->getWebTabs().size(),
+             std::size_t(2));
+}
+
+void TestDemoWindow::loadReadingsComeEverySecondOnTheRuntime()
+{
+    const auto window = openWindow();
+    QVERIFY(window != nullptr);
+    WebNotifications readings(*window->manager(), window->runtime(), STWebOperation::LoadReadings);
+    QTRY_VERIFY_WITH_TIMEOUT(readings.entries().size() >= 3, patienceMs);
+    const auto entries = readings.entries();
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        QVERIFY(entries[i].onRuntime);
+        QCOMPARE(entries[i].operation.kind, 1);
+        const auto [cpu, gpu, memory] = entries[i].operation.loadReadings;
+        QVERIFY2(cpu == -1.0 || (cpu >= 0.0 && cpu <= 100.0), qPrintable(QString::number(cpu)));
+        QCOMPARE(gpu, -1.0);
+        QVERIFY2(memory == -1.0 || (memory >= 0.0 && memory <= 100.0),
+                 qPrintable(QString::number(memory)));
+        if (i > 0) {
+            const auto gap = std::chrono::duration_cast<std::chrono::milliseconds>(
+                entries[i].at - entries[i - 1].at);
+            QVERIFY2(gap.count() >= 900, qPrintable(QString::number(gap.count())));
+        }
+    }
+}
+
+void TestDemoWindow::aLowerThresholdIsSentAndTheLoadWarningAppears()
+{
+#ifndef Q_OS_LINUX
+    QSKIP("the memory use is read from /proc");
+#endif
+    const auto window = openWindow();
+    QVERIFY(window != nullptr);
+    auto* const pages = qobject_cast<WebBox*>(boxOf(*window, webKind));
+    WebNotifications thresholds(*window->manager(), window->runtime(),
+                                STWebOperation::LoadThresholds);
+    // Six samples above the threshold in a fraction of a second rather than 30.
+    auto* const watch = pages->dialog()->findChild<QTimer*>(QStringLiteral("loadWatchTimer"));
+    QVERIFY(watch != nullptr);
+    QCOMPARE(watch->interval(), 5000);
+    watch->setInterval(50);
+
+    auto* const chooser =
+        window->findChild<vexa::widgets::ComboBox*>(QStringLiteral("loadThresholdChooser"));
+    QVERIFY(chooser != nullptr);
+    QCOMPARE(chooser->currentData().toInt(), 85);
+    auto* const label = window->findChild<QLabel*>(QStringLiteral("loadThresholdLabel"));
+    QVERIFY(!label->text().isEmpty());
+    QVERIFY(label->text() != QStringLiteral("LoadWarningAbove"));
+    const int lowest = chooser->findData(1);
+    QVERIFY(lowest >= 0);
+    Q_EMIT chooser->activated(lowest);
+
+    // The thresholds the window started with may still be on their way: the last one counts.
+    const std::array<int32_t, 3> lowered{{1, 1, 1}};
+    QTRY_VERIFY_WITH_TIMEOUT(!thresholds.entries().empty() &&
+                                 thresholds.entries().back().operation.loadThresholds == lowered,
+                             patienceMs);
+    for (const auto& sent : thresholds.entries()) {
+        QVERIFY(sent.onRuntime);
+    }
+    QCOMPARE(window->manager()->loadThresholds(), (std::array<int32_t, 3>{{1, 1, 1}}));
+
+    // Any machine running this uses more than 1 % of its memory.
+    const QString warning =
+        text("MemoryExceedsTheThreshold").arg(QStringLiteral("30"), QStringLiteral("85%"));
+    QTRY_VERIFY_WITH_TIMEOUT(messageIndex(*window, warning) >= 0, patienceMs);
+
+    // A figure the chooser does not offer is added in its place.
+    window->setLoadThreshold(30);
+    QCOMPARE(chooser->currentData().toInt(), 30);
+    QCOMPARE(chooser->itemData(chooser->currentIndex() - 1).toInt(), 50);
+    QCOMPARE(chooser->itemData(chooser->currentIndex() + 1).toInt(), 10);
+    QTRY_COMPARE_WITH_TIMEOUT(thresholds.entries().back().operation.loadThresholds,
+                              (std::array<int32_t, 3>{{30, 30, 30}}), patienceMs);
 }
 
 QTEST_MAIN(TestDemoWindow)

@@ -12,7 +12,9 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
+#include <chrono>
 #include <future>
 #include <map>
 #include <mutex>
@@ -24,6 +26,7 @@ using demohost::SimulatedInputSourceMgr;
 using vexa::STResourceRenamedModel;
 using vexa::inputsource::STInputSource;
 using vexa::inputsource::STWebOperation;
+using vexa::inputsource::STWebTab;
 using vexa::testing::waitUntil;
 
 namespace {
@@ -116,8 +119,27 @@ public:
             }));
         m_connections.emplace_back(
             mgr.signalWebInfoChanged.connect([this](const STWebOperation& operation) {
-                note("web:" + operation.webDescription.address, operation.id);
+                switch (operation.code) {
+                case STWebOperation::WebDescriptionChanged:
+                    note("web:" + operation.webDescription.address, operation.id);
+                    break;
+                case STWebOperation::LoadReadings:
+                    noteLoad(operation.loadReadings);
+                    break;
+                case STWebOperation::LoadThresholds: {
+                    const auto& t = operation.loadThresholds;
+                    note("thresholds:" + std::to_string(t[0]) + "," + std::to_string(t[1]) + "," +
+                             std::to_string(t[2]),
+                         0);
+                    break;
+                }
+                default:
+                    note("webCode:" + std::to_string(operation.code), operation.id);
+                    break;
+                }
             }));
+        m_connections.emplace_back(mgr.signalWebPageReloaded.connect(
+            [this](uint64_t id, const std::string& address) { note("reloaded:" + address, id); }));
         m_connections.emplace_back(mgr.signalCaptureDevicesChanged.connect(
             [this](const std::vector<STInputSource>& devices) {
                 note("devices:" + std::to_string(devices.size()), 0);
@@ -151,6 +173,18 @@ public:
         return seconds;
     }
 
+    // The load readings in the order they came, each with when it arrived.
+    struct Load
+    {
+        std::array<double, 3> readings;
+        std::chrono::steady_clock::time_point at;
+    };
+    std::vector<Load> loads() const
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return m_loads;
+    }
+
     bool waitFor(const std::string& what, uint64_t id) const
     {
         return waitUntil([&] { return has(what, id); }, patience);
@@ -181,6 +215,13 @@ public:
     }
 
 private:
+    void noteLoad(const std::array<double, 3>& readings)
+    {
+        note("load", 0);
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_loads.push_back({readings, std::chrono::steady_clock::now()});
+    }
+
     void note(std::string what, uint64_t id, int type = -1)
     {
         std::lock_guard<std::mutex> lock(m_mutex);
@@ -194,6 +235,7 @@ private:
     mutable std::mutex m_mutex;
     std::vector<Entry> m_entries;
     std::map<uint64_t, int> m_onlineTypes;
+    std::vector<Load> m_loads;
     std::vector<sigslot::scoped_connection> m_connections;
 };
 
@@ -218,6 +260,33 @@ STInputSource record(int32_t type, std::string name, std::string address = {})
         source.captResolutions = {{1920, 1080, 59.94F, "NV12"}, {1280, 720, 30.0F, "YUY2"}};
     }
     return source;
+}
+
+// A web page with the tabs `tabs`, the first one shown.
+STInputSource webPage(std::string name, std::vector<STWebTab> tabs)
+{
+    STInputSource page = record(webKind, std::move(name), tabs.front().url);
+    page.webName = page.name;
+    page.webTabs = std::move(tabs);
+    return page;
+}
+
+// The operation the web dialog sends when its OK edits page `id`.
+STWebOperation edit(uint64_t id, std::string name, std::vector<STWebTab> tabs, int current)
+{
+    STWebOperation operation;
+    operation.code = STWebOperation::WebDescriptionChanged;
+    operation.id = id;
+    operation.webDescription.name = name;
+    operation.webDescription.webName = std::move(name);
+    operation.webDescription.currentTabIndex = current;
+    for (const STWebTab& tab : tabs) {
+        if (tab.tabIndex == current) {
+            operation.webDescription.address = tab.url;
+        }
+    }
+    operation.webDescription.webTabs = std::move(tabs);
+    return operation;
 }
 
 // Counts the frames the sink receives per source, and checks each is a well-formed picture.
@@ -293,6 +362,12 @@ private Q_SLOTS:
     void generateStreamingNameTakesTheSmallestFreeNumber();
     void refreshNdiSourcesReportsTheSendersOnTheRuntime();
     void webOperationChangesTheDescription();
+    void webEditRenamesThePageAndKeepsItsTabs();
+    void webEditToATakenNameKeepsTheOldName();
+    void doubleClickReloadsThePageAndKeepsItsTabs();
+    void otherWebOperationsAreRefused();
+    void loadReadingsGoOutEverySecondOnTheRuntime();
+    void newThresholdsGoOutOnTheRuntime();
     void refreshCaptureDevicesFromTheGuiThreadFiresOnTheRuntime();
     void seedCreatesEveryKindAndPreviewsOneOfEach();
     void queriesRaceWithRequestsSafely();
@@ -656,6 +731,7 @@ void TestSimulatedInputSourceMgr::webOperationChangesTheDescription()
 
     onRuntime(runtime, [&] {
         STWebOperation operation;
+        operation.code = STWebOperation::WebDescriptionChanged;
         operation.id = id;
         operation.webDescription.name = "Page";
         operation.webDescription.address = "https://example.org/b";
@@ -672,6 +748,222 @@ void TestSimulatedInputSourceMgr::webOperationChangesTheDescription()
     QCOMPARE(meta->getWebMode(), 1);
     QCOMPARE(meta->getWebCurrentTabIndex(), 2);
     QCOMPARE(meta->getWebTabs().size(), std::size_t(2));
+}
+
+void TestSimulatedInputSourceMgr::webEditRenamesThePageAndKeepsItsTabs()
+{
+    quandel::ZQRuntime runtime;
+    auto mgr = std::make_shared<SimulatedInputSourceMgr>(&runtime);
+    mgr->setExtractionDelay(std::chrono::milliseconds(10));
+    Journal journal(*mgr, runtime);
+    const uint64_t id =
+        add(*mgr, runtime, webPage("Scores", {{"Live", "https://scores.example.org/live", 1}}));
+    QVERIFY(journal.waitFor("resolution", id));
+
+    const std::vector<STWebTab> tabs = {{"Live", "https://scores.example.org/live", 1},
+                                        {"Table", "https://scores.example.org/table", 2},
+                                        {"Clock", "file:///srv/clock.html", 3}};
+    onRuntime(runtime, [&] {
+        mgr->webOperation(edit(id, "Results", tabs, 2));
+        return true;
+    });
+    // Fired inside the request: the name first, so the tile is renamed before its address
+    // changes, then the description, then the size the page is rendered at.
+    const std::vector<std::string> expected = {
+        "added",      "extracted",       "online",
+        "resolution", "renamed:Results", "web:https://scores.example.org/table",
+        "resolution"};
+    QCOMPARE(journal.historyOf(id), expected);
+    QVERIFY(journal.allOnRuntime());
+
+    const auto resource = mgr->getResourceById(id);
+    QCOMPARE(resource->getName(), std::string("Results"));
+    const auto meta = resource->getMeta();
+    QCOMPARE(meta->getName(), std::string("Results"));
+    QCOMPARE(meta->getAddress(), std::string("https://scores.example.org/table"));
+    QCOMPARE(meta->getWebCurrentTabIndex(), 2);
+    QVERIFY(meta->getThumbnail().isValid());
+    const auto kept = meta->getWebTabs();
+    QCOMPARE(kept.size(), tabs.size());
+    for (std::size_t i = 0; i < tabs.size(); ++i) {
+        QCOMPARE(kept[i].name, tabs[i].name);
+        QCOMPARE(kept[i].url, tabs[i].url);
+        QCOMPARE(kept[i].index, tabs[i].tabIndex);
+    }
+    QVERIFY(!mgr->isNameRepeated("Scores"));
+    QVERIFY(mgr->isNameRepeated("Results"));
+    mgr->shutdown();
+}
+
+void TestSimulatedInputSourceMgr::webEditToATakenNameKeepsTheOldName()
+{
+    quandel::ZQRuntime runtime;
+    auto mgr = std::make_shared<SimulatedInputSourceMgr>(&runtime);
+    Journal journal(*mgr, runtime);
+    add(*mgr, runtime, record(streamKind, "Taken", "rtmp://example.net/a"));
+    const uint64_t id = add(*mgr, runtime, webPage("Page", {{"A", "https://example.org/a", 1}}));
+
+    onRuntime(runtime, [&] {
+        mgr->webOperation(edit(id, "Taken", {{"A", "https://example.org/b", 1}}, 1));
+        return true;
+    });
+    // The page keeps its name and says so; the tabs change all the same.
+    QVERIFY(journal.has("renameRefused:Page", id));
+    QVERIFY(journal.has("web:https://example.org/b", id));
+    QCOMPARE(mgr->getResourceById(id)->getName(), std::string("Page"));
+    QCOMPARE(mgr->getResourceById(id)->getMeta()->getAddress(),
+             std::string("https://example.org/b"));
+    mgr->shutdown();
+}
+
+void TestSimulatedInputSourceMgr::doubleClickReloadsThePageAndKeepsItsTabs()
+{
+    quandel::ZQRuntime runtime;
+    auto mgr = std::make_shared<SimulatedInputSourceMgr>(&runtime);
+    mgr->setExtractionDelay(std::chrono::milliseconds(10));
+    Journal journal(*mgr, runtime);
+    STInputSource page =
+        webPage("Page", {{"A", "https://example.org/a", 1}, {"B", "https://example.org/b", 2}});
+    page.preview = true;
+    const uint64_t id = add(*mgr, runtime, page);
+    QVERIFY(journal.waitFor("resolution", id));
+    // The operator turns the preview off; a reload must not turn it on again.
+    onRuntime(runtime, [&] {
+        STInputSource off;
+        off.id = id;
+        off.preview = false;
+        mgr->previewInputSources({off}, false);
+        return true;
+    });
+
+    // What a double click sends: the id, code 0 and nothing else.
+    STWebOperation doubleClick;
+    doubleClick.id = id;
+    onRuntime(runtime, [&] {
+        mgr->webOperation(doubleClick);
+        return true;
+    });
+    QVERIFY(journal.has("reloaded:https://example.org/a", id));
+    QVERIFY(!mgr->isOnline(id));
+    QTRY_VERIFY_WITH_TIMEOUT(mgr->isOnline(id), 10000);
+    QVERIFY(journal.waitFor("resolution", id));
+    const std::vector<std::string> expected = {"added",
+                                               "extracted",
+                                               "online",
+                                               "resolution",
+                                               "previewOn",
+                                               "previewOff",
+                                               "reloaded:https://example.org/a",
+                                               "offline",
+                                               "extracted",
+                                               "online",
+                                               "resolution"};
+    QTRY_COMPARE_WITH_TIMEOUT(journal.historyOf(id), expected, 10000);
+    QVERIFY(journal.allOnRuntime());
+    QVERIFY(!mgr->isInUse(id));
+    const auto meta = mgr->getResourceById(id)->getMeta();
+    QCOMPARE(meta->getWebTabs().size(), std::size_t(2));
+    QCOMPARE(meta->getAddress(), std::string("https://example.org/a"));
+    mgr->shutdown();
+}
+
+void TestSimulatedInputSourceMgr::otherWebOperationsAreRefused()
+{
+    quandel::ZQRuntime runtime;
+    auto mgr = std::make_shared<SimulatedInputSourceMgr>(&runtime);
+    Journal journal(*mgr, runtime);
+    const uint64_t stream = add(*mgr, runtime, record(streamKind, "Cam", "rtmp://example.net/a"));
+    const uint64_t page = add(*mgr, runtime, webPage("Page", {{"A", "https://example.org/a", 1}}));
+    vexa::testing::WarningRecorder recorder;
+
+    STWebOperation otherKind = edit(page, "Page", {{"A", "https://example.org/b", 1}}, 1);
+    otherKind.kind = 2;
+    STWebOperation readings;
+    readings.code = STWebOperation::LoadReadings;
+    readings.id = page;
+    STWebOperation doubleClickOnAStream;
+    doubleClickOnAStream.id = stream;
+    onRuntime(runtime, [&] {
+        mgr->webOperation(otherKind);
+        mgr->webOperation(readings);
+        mgr->webOperation(doubleClickOnAStream);
+        mgr->webOperation(edit(4242, "Gone", {{"A", "https://example.org/b", 1}}, 1));
+        return true;
+    });
+    QCOMPARE(recorder.count(QStringLiteral("web operation of kind 2")), 1);
+    QCOMPARE(recorder.count(QStringLiteral("web operation code 15 is not one this host answers")),
+             1);
+    QCOMPARE(recorder.count(QStringLiteral("reload of %1, which is no web page").arg(stream)), 1);
+    QCOMPARE(recorder.count(QStringLiteral("web operation on 4242, which is no web page")), 1);
+    QCOMPARE(mgr->getResourceById(page)->getMeta()->getAddress(),
+             std::string("https://example.org/a"));
+    QVERIFY(!journal.has("web:https://example.org/b", page));
+    QVERIFY(!journal.has("reloaded:rtmp://example.net/a", stream));
+    mgr->shutdown();
+}
+
+void TestSimulatedInputSourceMgr::loadReadingsGoOutEverySecondOnTheRuntime()
+{
+    quandel::ZQRuntime runtime;
+    auto mgr = std::make_shared<SimulatedInputSourceMgr>(&runtime);
+    Journal journal(*mgr, runtime);
+    QTest::qWait(100);
+    QVERIFY(journal.entries().empty());
+
+    // From the GUI thread, as the window starts it; twice is once.
+    mgr->startLoadReadings();
+    mgr->startLoadReadings();
+    QVERIFY(journal.waitFor("thresholds:85,85,85", 0));
+    QVERIFY(waitUntil([&] { return journal.loads().size() >= 3; }, patience));
+    const auto loads = journal.loads();
+    for (const auto& load : loads) {
+        const auto [cpu, gpu, memory] = load.readings;
+        QVERIFY2(cpu == -1.0 || (cpu >= 0.0 && cpu <= 100.0), qPrintable(QString::number(cpu)));
+        QCOMPARE(gpu, -1.0);
+#ifdef Q_OS_LINUX
+        QVERIFY2(memory > 0.0 && memory <= 100.0, qPrintable(QString::number(memory)));
+#else
+        QCOMPARE(memory, -1.0);
+#endif
+    }
+    // A second apart; the timer thread may be late on a loaded machine, never early.
+    for (std::size_t i = 1; i < loads.size(); ++i) {
+        const auto gap =
+            std::chrono::duration_cast<std::chrono::milliseconds>(loads[i].at - loads[i - 1].at);
+        QVERIFY2(gap.count() >= 900, qPrintable(QString::number(gap.count())));
+    }
+    const auto entries = journal.entries();
+    QCOMPARE(entries.front().what, std::string("thresholds:85,85,85"));
+    QCOMPARE(std::count_if(entries.begin(), entries.end(),
+                           [](const auto& e) { return e.what.rfind("thresholds:", 0) == 0; }),
+             1L);
+    QVERIFY(journal.allOnRuntime());
+    mgr->shutdown();
+}
+
+void TestSimulatedInputSourceMgr::newThresholdsGoOutOnTheRuntime()
+{
+    quandel::ZQRuntime runtime;
+    auto mgr = std::make_shared<SimulatedInputSourceMgr>(&runtime);
+    Journal journal(*mgr, runtime);
+    const std::array<int32_t, 3> defaults{{85, 85, 85}};
+    QCOMPARE(mgr->loadThresholds(), defaults);
+
+    mgr->setLoadThresholds({{10, 20, 30}});
+    QCOMPARE(mgr->loadThresholds(), (std::array<int32_t, 3>{{10, 20, 30}}));
+    QVERIFY(journal.waitFor("thresholds:10,20,30", 0));
+    // The readings start with the thresholds in force.
+    mgr->startLoadReadings();
+    QVERIFY(waitUntil(
+        [&] {
+            const auto entries = journal.entries();
+            return std::count_if(entries.begin(), entries.end(), [](const auto& e) {
+                       return e.what == "thresholds:10,20,30";
+                   }) == 2;
+        },
+        patience));
+    QVERIFY(journal.allOnRuntime());
+    mgr->shutdown();
 }
 
 void TestSimulatedInputSourceMgr::refreshCaptureDevicesFromTheGuiThreadFiresOnTheRuntime()
@@ -773,6 +1065,7 @@ void TestSimulatedInputSourceMgr::shutdownWithThreadsRunning()
     onRuntime(runtime, [&] {
         mgr->addInputSources({record(streamKind, "Late")});
         mgr->refreshNdiSources();
+        mgr->startLoadReadings();
         return true;
     });
 
