@@ -20,6 +20,7 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QCoreApplication>
 #include <QDir>
 #include <QDockWidget>
 #include <QHBoxLayout>
@@ -31,6 +32,7 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
+#include <QTranslator>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -53,6 +55,18 @@ constexpr auto deviceArrivalInterval = std::chrono::seconds(20);
 // The load warning's thresholds the toolbar offers: the usual one, and lower ones under which
 // an ordinary machine's load shows the warning.
 constexpr int loadThresholds[] = {SimulatedInputSourceMgr::defaultLoadThreshold, 50, 10, 1};
+
+// The window's own chrome, which neither the widget kit's sheet nor the panel's theme styles:
+// without it the menu bar is pale on pale and the panel's dock shows a light floor below the
+// boxes.
+constexpr char chromeStyleSheet[] = R"(
+QMenuBar { background-color: #121317; color: #d8dade; }
+QMenuBar::item:selected { background-color: #333843; }
+QToolBar { background-color: #121317; border: none; spacing: 0; }
+QDockWidget { color: #d8dade; }
+QDockWidget::title { background-color: #121317; padding: 5px 10px; }
+#inputSourceScrollArea, #inputSourceContainer { background-color: #1c1e23; }
+)";
 
 QString percentText(int percent)
 {
@@ -99,6 +113,7 @@ struct DemoWindow::Impl
     QStringList languageFiles() const;
     void retranslate();
     void retranslateDockButtons();
+    void switchKitLanguage(const QString& code);
     void chooseLoadThreshold(int percent);
     void refreshStatus();
     void addMessage(quint64 id);
@@ -130,7 +145,24 @@ struct DemoWindow::Impl
     QAction* putOnProgramAction = nullptr;
     QAction* takeOffProgramAction = nullptr;
     uint64_t framesAtLastStatus = 0;
+    // Removes itself from the application when destroyed.
+    std::unique_ptr<QTranslator> kitTranslator;
 };
+
+void DemoWindow::Impl::switchKitLanguage(const QString& code)
+{
+    // The widget kit names its dialogs' titles and buttons with Qt's tr(); the library's
+    // translator does not reach them. A dialog made from now on takes the new words.
+    auto next = std::make_unique<QTranslator>();
+    if (!next->load(QStringLiteral("widgetkit_%1").arg(code),
+                    QStringLiteral(VEXA_DEMO_OWN_TRANSLATIONS_DIR))) {
+        VEXA_WARNING("widget kit translation not loaded");
+        return;
+    }
+    kitTranslator.reset();
+    QCoreApplication::installTranslator(next.get());
+    kitTranslator = std::move(next);
+}
 
 QStringList DemoWindow::Impl::languageFiles() const
 {
@@ -546,9 +578,12 @@ DemoWindow::DemoWindow(QWidget* parent, int sourceCount)
     , d(std::make_unique<Impl>(this))
 {
     setObjectName(QStringLiteral("demoWindow"));
+    setStyleSheet(QLatin1String(chromeStyleSheet));
     d->buildToolbar();
     d->monitor = new ProgramMonitor(this);
     setCentralWidget(d->monitor);
+    // Before the panel, whose dialogs are made with it: they start in its first language.
+    d->switchKitLanguage(QStringLiteral("zh_CN"));
     d->buildPanel();
     d->buildMessages();
     d->buildMenus();
@@ -627,6 +662,7 @@ bool DemoWindow::isInUse(uint64_t id) const
 
 void DemoWindow::switchLanguage(const QString& code)
 {
+    d->switchKitLanguage(code);
     // The panel switches the translator, which holds the window's texts too.
     d->panel->switchLanguage(code);
     d->languageChooser->setCurrentIndex(d->languageChooser->findData(code));

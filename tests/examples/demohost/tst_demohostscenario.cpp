@@ -615,13 +615,18 @@ void TestDemoHostScenario::noVisibleTextIsARawKeyInAnyLanguage()
         }
         vexa::testing::ModalAnswerer clear;
         clear.setTimeout(patienceMs);
-        clear.whenShown([&texts](QWidget* modal) {
+        QString clearTitle;
+        clear.whenShown([&texts, &clearTitle](QWidget* modal) {
             texts << textsOf(modal);
+            clearTitle = modal->findChild<QLabel*>(QStringLiteral("titleLabel"))->text();
             QTest::mouseClick(modal->findChild<QAbstractButton*>(QStringLiteral("secondBtn")),
                               Qt::LeftButton);
         });
         QTRY_VERIFY_WITH_TIMEOUT(!clear.isWaiting(), patienceMs);
         QVERIFY2(clear.answered(), qPrintable(clear.errorString()));
+        // The widget kit's own words come from the window's translator of them.
+        QCOMPARE(clearTitle, code == QLatin1String("en_US") ? QStringLiteral("Warning")
+                                                            : QStringLiteral("警告"));
 
         const std::pair<MenuRow, const char*> dialogs[] = {
             {AddStream, "cancelBtn"}, {AddNdi, "ndiCancelBtn"}, {AddWeb, "webCancelBtn"}};
