@@ -23,6 +23,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QDockWidget>
+#include <QElapsedTimer>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
@@ -145,6 +146,7 @@ struct DemoWindow::Impl
     QAction* putOnProgramAction = nullptr;
     QAction* takeOffProgramAction = nullptr;
     uint64_t framesAtLastStatus = 0;
+    QElapsedTimer sinceLastStatus;
     // Removes itself from the application when destroyed.
     std::unique_ptr<QTranslator> kitTranslator;
 };
@@ -537,8 +539,13 @@ void DemoWindow::Impl::chooseLoadThreshold(int percent)
 void DemoWindow::Impl::refreshStatus()
 {
     const uint64_t frames = manager->deliveredFrames();
+    // Measured, not assumed: a busy GUI thread (hundreds of tiles arriving) fires the timer late.
+    const qint64 elapsedMs = sinceLastStatus.isValid() ? sinceLastStatus.restart() : 0;
+    if (!sinceLastStatus.isValid()) {
+        sinceLastStatus.start();
+    }
     const double perSecond =
-        static_cast<double>(frames - framesAtLastStatus) * 1000.0 / statusIntervalMs;
+        elapsedMs > 0 ? static_cast<double>(frames - framesAtLastStatus) * 1000.0 / elapsedMs : 0.0;
     framesAtLastStatus = frames;
     status->setText(windowText("StatusLine")
                         .arg(manager->getResources().size())
