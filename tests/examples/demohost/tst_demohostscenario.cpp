@@ -327,6 +327,8 @@ private Q_SLOTS:
     void noVisibleTextIsARawKeyInAnyLanguage();
     void deleteASourceInUseAndOneNotInUse();
     void clearAllWithoutAndWithTheCheckBox();
+    void theWindowIsUsableFromTheKeyboard();
+    void closingTheWindowWhileAQuestionIsOpen();
 };
 
 void TestDemoHostScenario::initTestCase()
@@ -732,6 +734,49 @@ void TestDemoHostScenario::clearAllWithoutAndWithTheCheckBox()
     QTRY_COMPARE_WITH_TIMEOUT(box(ndiKind)->itemCount(), 0, patienceMs);
     QTRY_COMPARE_WITH_TIMEOUT(box(webKind)->itemCount(), 0, patienceMs);
     QTRY_COMPARE_WITH_TIMEOUT(monitor->programId(), uint64_t(0), patienceMs);
+}
+
+void TestDemoHostScenario::theWindowIsUsableFromTheKeyboard()
+{
+    // Tab walks the toolbar, the panel, the monitor and the messages, as they are laid out.
+    auto* const languages =
+        m_window->findChild<vexa::widgets::ComboBox*>(QStringLiteral("languageChooser"));
+    auto* const thresholds =
+        m_window->findChild<vexa::widgets::ComboBox*>(QStringLiteral("loadThresholdChooser"));
+    auto* const messages = m_window->findChild<QListWidget*>(QStringLiteral("messageList"));
+    ProgramMonitor* const monitor = m_window->programMonitor();
+    QCOMPARE(thresholds->nextInFocusChain(), static_cast<QWidget*>(languages));
+    QCOMPARE(languages->nextInFocusChain(), static_cast<QWidget*>(box(captureKind)));
+    QCOMPARE(monitor->nextInFocusChain(), static_cast<QWidget*>(messages));
+    QVERIFY(monitor->focusPolicy() & Qt::TabFocus);
+
+    // Every widget the window adds has a name in the operator's language.
+    m_window->switchLanguage(QStringLiteral("zh_TW"));
+    const std::map<QString, QString> keys = keysOf(QStringLiteral("zh_TW"));
+    QCOMPARE(monitor->accessibleName(), keys.at(QStringLiteral("ProgramMonitor")));
+    QCOMPARE(messages->accessibleName(), keys.at(QStringLiteral("MessageCentre")));
+    QCOMPARE(languages->accessibleName(), keys.at(QStringLiteral("Language")));
+    QCOMPARE(thresholds->accessibleName(), keys.at(QStringLiteral("LoadWarningAbove")));
+    auto* const put = m_window->findChild<QAction*>(QStringLiteral("putOnProgramAction"));
+    QCOMPARE(put->text(), keys.at(QStringLiteral("PutOnProgram")));
+    m_window->switchLanguage(QStringLiteral("zh_CN"));
+}
+
+void TestDemoHostScenario::closingTheWindowWhileAQuestionIsOpen()
+{
+    // The host goes while the panel asks: the question closes, nothing is cleared, and the
+    // threads come down in order.
+    const std::size_t before = m_window->manager()->getResources().size();
+    const std::shared_ptr<demohost::SimulatedInputSourceMgr> manager = m_window->manager();
+    vexa::testing::ModalAnswerer answerer;
+    answerer.setTimeout(patienceMs);
+    answerer.whenShown([this](QWidget*) { m_window.reset(); });
+    choose(ClearAll);
+    QTRY_VERIFY_WITH_TIMEOUT(!answerer.isWaiting(), patienceMs);
+    QVERIFY2(answerer.answered(), qPrintable(answerer.errorString()));
+    QVERIFY(m_window == nullptr);
+    QCOMPARE(manager->getResources().size(), before);
+    QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == nullptr, patienceMs);
 }
 
 QTEST_MAIN(TestDemoHostScenario)
