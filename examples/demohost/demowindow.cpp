@@ -147,23 +147,29 @@ struct DemoWindow::Impl
     QAction* takeOffProgramAction = nullptr;
     uint64_t framesAtLastStatus = 0;
     QElapsedTimer sinceLastStatus;
-    // Removes itself from the application when destroyed.
-    std::unique_ptr<QTranslator> kitTranslator;
 };
 
 void DemoWindow::Impl::switchKitLanguage(const QString& code)
 {
     // The widget kit names its dialogs' titles and buttons with Qt's tr(); the library's
-    // translator does not reach them. A dialog made from now on takes the new words.
-    auto next = std::make_unique<QTranslator>();
+    // translator does not reach them. A dialog made from now on takes the new words. The
+    // translator belongs to the application, which outlives the window and the library's
+    // parentless dialogs: removed earlier, at the window's end, Qt's offscreen platform was
+    // seen to leak its screen.
+    auto* const next = new QTranslator(QCoreApplication::instance());
     if (!next->load(QStringLiteral("widgetkit_%1").arg(code),
                     QStringLiteral(VEXA_DEMO_OWN_TRANSLATIONS_DIR))) {
         VEXA_WARNING("widget kit translation not loaded");
+        delete next;
         return;
     }
-    kitTranslator.reset();
-    QCoreApplication::installTranslator(next.get());
-    kitTranslator = std::move(next);
+    for (QTranslator* old : QCoreApplication::instance()->findChildren<QTranslator*>(
+             QStringLiteral("widgetKitTranslator"), Qt::FindDirectChildrenOnly)) {
+        QCoreApplication::removeTranslator(old);
+        old->deleteLater();
+    }
+    next->setObjectName(QStringLiteral("widgetKitTranslator"));
+    QCoreApplication::installTranslator(next);
 }
 
 QStringList DemoWindow::Impl::languageFiles() const
