@@ -369,10 +369,15 @@ int main(int argc, char** argv)
     } else if (parser.isSet(screenshot)) {
         const QString path = parser.value(screenshot);
         QTimer::singleShot(parser.value(screenshotAfter).toInt(), &window, [&window, path] {
-            // With a dialog open, the picture shows the screen, as a person sees both.
-            const QPixmap picture = QApplication::activeModalWidget() != nullptr
-                                        ? QGuiApplication::primaryScreen()->grabWindow(0)
-                                        : window.grab();
+            // With a dialog open, the picture shows the screen, as a person sees both. A
+            // platform without a screen to read (offscreen, on a machine slow enough that the
+            // dialog is still open) gives the dialog alone.
+            QWidget* const modal = QApplication::activeModalWidget();
+            QPixmap picture =
+                modal != nullptr ? QGuiApplication::primaryScreen()->grabWindow(0) : window.grab();
+            if (picture.isNull() && modal != nullptr) {
+                picture = modal->grab();
+            }
             QCoreApplication::exit(picture.save(path) ? 0 : 1);
         });
     }
