@@ -1,59 +1,54 @@
 #include "demowindow.h"
 
+#include "programmonitor.h"
 #include "simulatedinputsourcemgr.h"
 #include "themeloader.h"
+#include "windowtext.h"
 
 #include <vexainputsourcewidget/capturecardbox.h>
 #include <vexainputsourcewidget/inputsourcebox.h>
-#include <vexainputsourcewidget/inputsourcetranslatemanager.h>
-#include <vexainputsourcewidget/ndibox.h>
-#include <vexainputsourcewidget/streamingbox.h>
+#include <vexainputsourcewidget/inputsourcewidget.h>
 #include <vexainputsourcewidget/stweboperation.h>
 #include <vexainputsourcewidget/version.h>
-#include <vexainputsourcewidget/webbox.h>
 
 #include <captureprobe/wgcsupport.h>
 #include <quandel/msgcenter/msgcentermgr.h>
 #include <quandel/runtime/zqruntime.h>
 #include <vexa/diagnostics/warning.h>
 #include <vexa/widgets/combobox.h>
+#include <vexa/widgets/style.h>
 
+#include <QAbstractButton>
+#include <QAction>
+#include <QCoreApplication>
 #include <QDir>
+#include <QDockWidget>
+#include <QElapsedTimer>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
-#include <QScrollArea>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPointer>
 #include <QStatusBar>
 #include <QTimer>
+#include <QToolBar>
+#include <QTranslator>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace demohost {
 
 namespace {
 
-using quandel::resource::EnResourceType;
 using vexa::inputsource::CaptureCardBox;
 using vexa::inputsource::InputSourceBox;
-using vexa::inputsource::NdiBox;
-using vexa::inputsource::StreamingBox;
+using vexa::inputsource::InputSourceWidget;
 using vexa::inputsource::STWebOperation;
-using vexa::inputsource::WebBox;
 
-// The panel's categories, top to bottom. A category without a key has a fixed title that no
-// language translates.
-struct Category
-{
-    EnResourceType type;
-    const char* titleKey;
-    const char* fixedTitle;
-};
-
-constexpr Category categories[] = {
-    {EnResourceType::LocalCaptureDevice, "CaptureCard", nullptr},
-    {EnResourceType::NetworkStream, "Streaming", nullptr},
-    {EnResourceType::NdiSource, nullptr, "NDI"},
-    {EnResourceType::WebPage, nullptr, "Web"},
-};
+// The panel's boxes by object name, in the order it shows them.
+constexpr const char* boxNames[] = {"captureCardBox", "streamingBox", "ndiBox", "webBox"};
 
 constexpr int panelWidth = 742;
 constexpr int statusIntervalMs = 1000;
@@ -62,34 +57,17 @@ constexpr auto deviceArrivalInterval = std::chrono::seconds(20);
 // an ordinary machine's load shows the warning.
 constexpr int loadThresholds[] = {SimulatedInputSourceMgr::defaultLoadThreshold, 50, 10, 1};
 
-// Every kind has a box of its own, with its own way of adding.
-InputSourceBox* createBox(EnResourceType type, QWidget* parent)
-{
-    switch (type) {
-    case EnResourceType::LocalCaptureDevice:
-        return new CaptureCardBox(parent);
-    case EnResourceType::NetworkStream:
-        return new StreamingBox(parent);
-    case EnResourceType::NdiSource:
-        return new NdiBox(parent);
-    case EnResourceType::WebPage:
-    default:
-        return new WebBox(parent);
-    }
-}
-
-QString text(const char* key)
-{
-    return quandel::trans::translate(InputSourceTranslateManager::instance().translator(),
-                                     "InputSource", "Widget", key);
-}
-
-// The window's own texts, which the library's language files do not have.
-QString windowText(const char* key)
-{
-    return quandel::trans::translate(InputSourceTranslateManager::instance().translator(),
-                                     "DemoHost", "Window", key);
-}
+// The window's own chrome, which neither the widget kit's sheet nor the panel's theme styles:
+// without it the menu bar is pale on pale and the panel's dock shows a light floor below the
+// boxes.
+constexpr char chromeStyleSheet[] = R"(
+QMenuBar { background-color: #121317; color: #d8dade; }
+QMenuBar::item:selected { background-color: #333843; }
+QToolBar { background-color: #121317; border: none; spacing: 0; }
+QDockWidget { color: #d8dade; }
+QDockWidget::title { background-color: #121317; padding: 5px 10px; }
+#inputSourceScrollArea, #inputSourceContainer { background-color: #1c1e23; }
+)";
 
 QString percentText(int percent)
 {
@@ -126,50 +104,92 @@ struct DemoWindow::Impl
         , manager(std::make_shared<SimulatedInputSourceMgr>(&runtime))
     {}
 
-    QWidget* buildToolbar();
-    QWidget* buildPanel();
-    QWidget* buildMessages();
-    void bindBoxes();
+    void buildToolbar();
+    void buildPanel();
+    void buildMessages();
+    void buildMenus();
+    void setTabOrder();
+    void bindPanel();
     void reportManagerEvents();
-    void loadLanguages();
+    QStringList languageFiles() const;
     void retranslate();
+    void retranslateDockButtons();
+    void switchKitLanguage(const QString& code);
     void chooseLoadThreshold(int percent);
     void refreshStatus();
     void addMessage(quint64 id);
     void removeMessage(quint64 id);
+    uint64_t selectedSource() const;
+    void showProgram(uint64_t id);
 
     DemoWindow* const q;
     // Declared first, destroyed last: everything below may still post to it.
     quandel::ZQRuntime runtime;
     quandel::msgcenter::MsgCenterMgr messageCentre;
     std::shared_ptr<SimulatedInputSourceMgr> const manager;
-    std::vector<InputSourceBox*> boxes;
     std::vector<sigslot::scoped_connection> managerEvents;
+    InputSourceWidget* panel = nullptr;
+    std::vector<InputSourceBox*> boxes;
+    ProgramMonitor* monitor = nullptr;
+    QDockWidget* panelDock = nullptr;
+    QDockWidget* messageDock = nullptr;
+    QToolBar* toolbar = nullptr;
     QListWidget* messageList = nullptr;
     QLabel* status = nullptr;
     QLabel* title = nullptr;
-    QLabel* messagesCaption = nullptr;
     QLabel* loadThresholdLabel = nullptr;
+    QLabel* libraryStatus = nullptr;
     vexa::widgets::ComboBox* loadThresholdChooser = nullptr;
+    vexa::widgets::ComboBox* languageChooser = nullptr;
+    QMenu* programMenu = nullptr;
+    QMenu* viewMenu = nullptr;
+    QAction* putOnProgramAction = nullptr;
+    QAction* takeOffProgramAction = nullptr;
     uint64_t framesAtLastStatus = 0;
+    QElapsedTimer sinceLastStatus;
 };
 
-void DemoWindow::Impl::loadLanguages()
+void DemoWindow::Impl::switchKitLanguage(const QString& code)
 {
-    auto& translator = InputSourceTranslateManager::instance().translator();
+    // The widget kit names its dialogs' titles and buttons with Qt's tr(); the library's
+    // translator does not reach them. A dialog made from now on takes the new words. The
+    // translator belongs to the application, which outlives the window and the library's
+    // parentless dialogs: removed earlier, at the window's end, Qt's offscreen platform was
+    // seen to leak its screen.
+    auto* const next = new QTranslator(QCoreApplication::instance());
+    if (!next->load(QStringLiteral("widgetkit_%1").arg(code),
+                    QStringLiteral(VEXA_DEMO_OWN_TRANSLATIONS_DIR))) {
+        VEXA_WARNING("widget kit translation not loaded");
+        delete next;
+        return;
+    }
+    for (QTranslator* old : QCoreApplication::instance()->findChildren<QTranslator*>(
+             QStringLiteral("widgetKitTranslator"), Qt::FindDirectChildrenOnly)) {
+        QCoreApplication::removeTranslator(old);
+        old->deleteLater();
+    }
+    next->setObjectName(QStringLiteral("widgetKitTranslator"));
+    QCoreApplication::installTranslator(next);
+}
+
+QStringList DemoWindow::Impl::languageFiles() const
+{
+    // The window's own files go to the same translator as the library's: one switch changes
+    // both.
+    QStringList files;
     const QDir folder(QStringLiteral(VEXA_DEMO_TRANSLATIONS_DIR));
     for (const QString& file :
          folder.entryList({QStringLiteral("vexainputsourcewidget_*.qm")}, QDir::Files)) {
-        translator.load(folder.filePath(file));
+        files << folder.filePath(file);
     }
     const QDir own(QStringLiteral(VEXA_DEMO_OWN_TRANSLATIONS_DIR));
     for (const QString& file : own.entryList({QStringLiteral("demohost_*.qm")}, QDir::Files)) {
-        translator.load(own.filePath(file));
+        files << own.filePath(file);
     }
-    translator.switchLanguage(QStringLiteral("zh_CN"));
+    return files;
 }
 
-QWidget* DemoWindow::Impl::buildToolbar()
+void DemoWindow::Impl::buildToolbar()
 {
     auto* bar = new QWidget;
     bar->setObjectName(QStringLiteral("toolbar"));
@@ -187,14 +207,14 @@ QWidget* DemoWindow::Impl::buildToolbar()
     status = caption(QString(), bar);
     status->setObjectName(QStringLiteral("sourceStatus"));
 
-    auto* languages = new vexa::widgets::ComboBox(bar);
-    languages->setObjectName(QStringLiteral("languageChooser"));
-    languages->addItem(QStringLiteral("简体中文"), QStringLiteral("zh_CN"));
-    languages->addItem(QStringLiteral("繁體中文"), QStringLiteral("zh_TW"));
-    languages->addItem(QStringLiteral("English"), QStringLiteral("en_US"));
+    languageChooser = new vexa::widgets::ComboBox(bar);
+    languageChooser->setObjectName(QStringLiteral("languageChooser"));
+    languageChooser->addItem(QStringLiteral("简体中文"), QStringLiteral("zh_CN"));
+    languageChooser->addItem(QStringLiteral("繁體中文"), QStringLiteral("zh_TW"));
+    languageChooser->addItem(QStringLiteral("English"), QStringLiteral("en_US"));
     QObject::connect(
-        languages, QOverload<int>::of(&QComboBox::activated), q,
-        [this, languages](int index) { q->switchLanguage(languages->itemData(index).toString()); });
+        languageChooser, QOverload<int>::of(&QComboBox::activated), q,
+        [this](int index) { q->switchLanguage(languageChooser->itemData(index).toString()); });
 
     loadThresholdLabel = caption(QString(), bar);
     loadThresholdLabel->setObjectName(QStringLiteral("loadThresholdLabel"));
@@ -213,96 +233,162 @@ QWidget* DemoWindow::Impl::buildToolbar()
     layout->addWidget(loadThresholdLabel);
     layout->addWidget(loadThresholdChooser);
     layout->addSpacing(12);
-    layout->addWidget(languages);
-    return bar;
+    layout->addWidget(languageChooser);
+
+    toolbar = new QToolBar(q);
+    toolbar->setObjectName(QStringLiteral("mainToolBar"));
+    toolbar->setMovable(false);
+    toolbar->addWidget(bar);
+    q->addToolBar(Qt::TopToolBarArea, toolbar);
 }
 
-QWidget* DemoWindow::Impl::buildPanel()
+void DemoWindow::Impl::buildPanel()
 {
-    auto* scroll = new QScrollArea;
-    scroll->setObjectName(QStringLiteral("inputSourcePanel"));
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setWidgetResizable(true);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    scroll->setMinimumWidth(panelWidth);
-
-    auto* column = new QWidget;
-    column->setProperty("style", "BG3");
-    column->setAttribute(Qt::WA_StyledBackground);
-    auto* layout = new QVBoxLayout(column);
-    layout->setContentsMargins(0, 4, 0, 8);
-    layout->setSpacing(0);
-    const QString loading = ThemeLoader::loadingAnimation(ThemeLoader::themesDir());
-    for (const Category& category : categories) {
-        auto* box = createBox(category.type, column);
-        box->setObjectName(QStringLiteral("box%1").arg(quandel::resource::toCode(category.type)));
-        box->setZQRuntime(&runtime);
-        box->setLoadingPath(loading);
-        box->setMsgCenterMgr(&messageCentre);
-        layout->addWidget(box);
-        boxes.push_back(box);
+    panelDock = new QDockWidget(q);
+    panelDock->setObjectName(QStringLiteral("inputSourceDock"));
+    // Not closable: the demo has nothing else to add sources with.
+    panelDock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable);
+    panelDock->setAllowedAreas(Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
+    panel = new InputSourceWidget(panelDock);
+    panel->setMinimumWidth(panelWidth);
+    // The dock follows the panel's translated title by itself.
+    panelDock->setWidget(panel);
+    q->addDockWidget(Qt::LeftDockWidgetArea, panelDock);
+    for (const char* name : boxNames) {
+        boxes.push_back(panel->findChild<InputSourceBox*>(QLatin1String(name)));
     }
-    layout->addStretch(1);
-    scroll->setWidget(column);
-    return scroll;
+
+    // The order the integration guide gives: everything but the manager, which comes last
+    // (bindPanel()).
+    const QString themes = ThemeLoader::themesDir();
+    panel->setZQRuntime(&runtime);
+    panel->setMsgCenterMgr(&messageCentre);
+    panel->setLoadingPath(ThemeLoader::loadingAnimation(themes));
+    panel->setInputSourceStyleSheet(vexa::widgets::defaultStyleSheet() +
+                                    ThemeLoader::styleSheet(themes));
+    panel->loadLanguageFiles(languageFiles());
 }
 
-QWidget* DemoWindow::Impl::buildMessages()
+void DemoWindow::Impl::buildMessages()
 {
-    auto* panel = new QWidget;
-    panel->setObjectName(QStringLiteral("messagePanel"));
-    panel->setProperty("style", "BG2");
-    panel->setAttribute(Qt::WA_StyledBackground);
-    auto* layout = new QVBoxLayout(panel);
-    layout->setContentsMargins(12, 10, 12, 12);
-    layout->setSpacing(6);
-    messageList = new QListWidget(panel);
+    auto* box = new QWidget;
+    box->setObjectName(QStringLiteral("messagePanel"));
+    box->setProperty("style", "BG2");
+    box->setAttribute(Qt::WA_StyledBackground);
+    auto* layout = new QVBoxLayout(box);
+    layout->setContentsMargins(12, 8, 12, 10);
+    messageList = new QListWidget(box);
     messageList->setObjectName(QStringLiteral("messageList"));
     messageList->setWordWrap(true);
     messageList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    messageList->setToolTip(QStringLiteral("Double-click a message to run its action"));
+    layout->addWidget(messageList, 1);
 
     QObject::connect(&messageCentre, &quandel::msgcenter::MsgCenterMgr::messagePosted, q,
                      [this](quint64 id) { addMessage(id); });
     QObject::connect(&messageCentre, &quandel::msgcenter::MsgCenterMgr::messageRemoved, q,
                      [this](quint64 id) { removeMessage(id); });
-    QObject::connect(messageList, &QListWidget::itemDoubleClicked, q,
-                     [this](QListWidgetItem* item) {
-                         messageCentre.triggerAction(item->data(Qt::UserRole).toULongLong());
-                     });
+    // A double click, or Enter for a keyboard user, runs the message's action.
+    QObject::connect(messageList, &QListWidget::itemActivated, q, [this](QListWidgetItem* item) {
+        messageCentre.triggerAction(item->data(Qt::UserRole).toULongLong());
+    });
 
-    messagesCaption = caption(QString(), panel);
-    layout->addWidget(messagesCaption);
-    layout->addWidget(messageList, 1);
-    return panel;
+    messageDock = new QDockWidget(q);
+    messageDock->setObjectName(QStringLiteral("messageDock"));
+    messageDock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable |
+                             QDockWidget::DockWidgetClosable);
+    messageDock->setWidget(box);
+    // The panel keeps the whole height of its side; the messages sit under the monitor.
+    q->setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
+    q->setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
+    q->addDockWidget(Qt::BottomDockWidgetArea, messageDock);
+    for (QDockWidget* dock : {panelDock, messageDock}) {
+        QObject::connect(dock, &QDockWidget::topLevelChanged, q,
+                         [this] { retranslateDockButtons(); });
+    }
 }
 
-void DemoWindow::Impl::bindBoxes()
+void DemoWindow::Impl::buildMenus()
 {
+    programMenu = q->menuBar()->addMenu(QString());
+    programMenu->setObjectName(QStringLiteral("programMenu"));
+    putOnProgramAction = programMenu->addAction(QString());
+    putOnProgramAction->setObjectName(QStringLiteral("putOnProgramAction"));
+    putOnProgramAction->setShortcuts(
+        {QKeySequence(Qt::CTRL + Qt::Key_Return), QKeySequence(Qt::CTRL + Qt::Key_Enter)});
+    // Window-wide: the selection is in the panel's dock, the monitor elsewhere.
+    putOnProgramAction->setShortcutContext(Qt::WindowShortcut);
+    QObject::connect(putOnProgramAction, &QAction::triggered, q,
+                     [this] { q->putSelectedOnProgram(); });
+    takeOffProgramAction = programMenu->addAction(QString());
+    takeOffProgramAction->setObjectName(QStringLiteral("takeOffProgramAction"));
+    takeOffProgramAction->setShortcut(QKeySequence(Qt::CTRL + Qt::Key_Backspace));
+    QObject::connect(takeOffProgramAction, &QAction::triggered, monitor,
+                     &ProgramMonitor::clearProgram);
+
+    viewMenu = q->menuBar()->addMenu(QString());
+    viewMenu->setObjectName(QStringLiteral("viewMenu"));
+    viewMenu->addAction(panelDock->toggleViewAction());
+    viewMenu->addAction(messageDock->toggleViewAction());
+    viewMenu->addAction(toolbar->toggleViewAction());
+}
+
+void DemoWindow::Impl::setTabOrder()
+{
+    // Toolbar, panel, monitor, messages: left to right and top to bottom as the window shows
+    // them. The panel walks its own part box by box.
+    QWidget::setTabOrder(loadThresholdChooser, languageChooser);
+    QWidget::setTabOrder(languageChooser, boxes.front());
+    QWidget::setTabOrder(boxes.back(), monitor);
+    QWidget::setTabOrder(monitor, messageList);
+}
+
+void DemoWindow::Impl::bindPanel()
+{
+    // Direct, so that the answer returns to the asking box.
+    QObject::connect(
+        panel, &InputSourceWidget::signalCheckInputSourceBeUsed, q,
+        [this](uint64_t id) { return q->isInUse(id); }, Qt::DirectConnection);
+    // The host's device watcher: the simulated manager plays it, on its timer thread.
+    QObject* const receiver =
+        boxes.front()->findChild<QObject*>(QStringLiteral("captureCardBoxImpl"));
+    manager->setDeviceSink(
+        [receiver](bool isArrival) {
+            QMetaObject::invokeMethod(receiver, "slotUpdateDevice", Qt::QueuedConnection,
+                                      Q_ARG(bool, isArrival));
+        },
+        deviceArrivalInterval);
+    // The frame thread calls this; the sink is removed before the panel and the monitor go.
+    manager->setFrameSink(
+        [panel = panel, monitor = monitor](uint64_t id, const zq::mediacore::IFrame* frame) {
+            panel->updateFrame(id, frame);
+            monitor->offerFrame(id, frame);
+        });
+    QObject::connect(monitor, &ProgramMonitor::programChanged, q,
+                     [this](uint64_t id) { showProgram(id); });
+    panel->setInputSourceMgr(manager);
+}
+
+void DemoWindow::Impl::showProgram(uint64_t id)
+{
+    manager->setProgramSource(id);
+    const QString name = monitor->programName();
+    messageCentre.postMessage({id == 0 ? QStringLiteral("Nothing on program.")
+                                       : QStringLiteral("%1 is on program.").arg(name),
+                               quandel::msgcenter::STMessage::Info,
+                               5000,
+                               {}});
+}
+
+uint64_t DemoWindow::Impl::selectedSource() const
+{
+    // Selection is exclusive across the boxes: at most one box has any.
     for (InputSourceBox* box : boxes) {
-        QObject::connect(
-            box, &InputSourceBox::signalCheckInputSourceBeUsed, q,
-            [mgr = manager.get()](uint64_t id) { return mgr->isInUse(id); }, Qt::DirectConnection);
-        box->setInputSourceMgr(manager);
-        // The host's device watcher: the simulated manager plays it, on its timer thread.
-        if (auto* capture = qobject_cast<CaptureCardBox*>(box)) {
-            QObject* const receiver =
-                capture->findChild<QObject*>(QStringLiteral("captureCardBoxImpl"));
-            manager->setDeviceSink(
-                [receiver](bool isArrival) {
-                    QMetaObject::invokeMethod(receiver, "slotUpdateDevice", Qt::QueuedConnection,
-                                              Q_ARG(bool, isArrival));
-                },
-                deviceArrivalInterval);
+        const std::vector<uint64_t> selected = box->selectedIds();
+        if (!selected.empty()) {
+            return selected.front();
         }
     }
-    // The frame thread calls this; the list of boxes is fixed from here on, and the sink is
-    // removed before the boxes go.
-    manager->setFrameSink([boxes = boxes](uint64_t id, const zq::mediacore::IFrame* frame) {
-        for (InputSourceBox* box : boxes) {
-            box->updateFrame(id, frame);
-        }
-    });
+    return 0;
 }
 
 void DemoWindow::Impl::reportManagerEvents()
@@ -343,7 +429,7 @@ void DemoWindow::Impl::reportManagerEvents()
                  quandel::msgcenter::STMessage::Warning);
         }));
     managerEvents.emplace_back(manager->signalResourceRenamed.connect(
-        [post](const vexa::STResourceRenamedModel& model, bool&) {
+        [this, post](const vexa::STResourceRenamedModel& model, bool&) {
             if (model.flag != 0) {
                 post(QStringLiteral("The name is taken; the source keeps \"%1\".")
                          .arg(QString::fromStdString(model.name)),
@@ -352,11 +438,27 @@ void DemoWindow::Impl::reportManagerEvents()
             }
             post(QStringLiteral("Renamed to \"%1\".").arg(QString::fromStdString(model.name)),
                  quandel::msgcenter::STMessage::Info);
+            QMetaObject::invokeMethod(
+                monitor,
+                [monitor = monitor, id = model.id, name = QString::fromStdString(model.name)] {
+                    monitor->renameSource(id, name);
+                },
+                Qt::QueuedConnection);
         }));
     managerEvents.emplace_back(
-        manager->signalResourcesDeleted.connect([post](const std::vector<uint64_t>& ids) {
+        manager->signalResourcesDeleted.connect([this, post](const std::vector<uint64_t>& ids) {
             post(QStringLiteral("Deleted %1 source(s).").arg(ids.size()),
                  quandel::msgcenter::STMessage::Info);
+            // A source that is gone cannot stay on air. The monitor's id may change meanwhile,
+            // so the GUI thread decides.
+            QMetaObject::invokeMethod(
+                monitor,
+                [monitor = monitor, ids] {
+                    if (std::find(ids.begin(), ids.end(), monitor->programId()) != ids.end()) {
+                        monitor->clearProgram();
+                    }
+                },
+                Qt::QueuedConnection);
         }));
     managerEvents.emplace_back(
         manager->signalWebInfoChanged.connect([post](const STWebOperation& operation) {
@@ -380,27 +482,49 @@ void DemoWindow::Impl::reportManagerEvents()
 
 void DemoWindow::Impl::retranslate()
 {
+    q->setWindowTitle(windowText("WindowTitle"));
     title->setText(windowText("InputSources"));
-    messagesCaption->setText(windowText("MessageCentre"));
+    toolbar->setWindowTitle(windowText("Toolbar"));
     loadThresholdLabel->setText(windowText("LoadWarningAbove"));
-    // The web box chooses the home page of new tabs by the code, so it comes first.
-    const QString code = InputSourceTranslateManager::instance().translator().currentLanguage();
-    for (std::size_t i = 0; i < boxes.size(); ++i) {
-        const Category& category = categories[i];
-        boxes[i]->setTitle(category.titleKey != nullptr ? text(category.titleKey)
-                                                        : QLatin1String(category.fixedTitle));
-        boxes[i]->setLanguageCode(code);
-        boxes[i]->translateLanguage();
-    }
-    // New streams are named in the operator's language.
-    runtime.post(
-        [weak = std::weak_ptr<SimulatedInputSourceMgr>(manager),
-         word = text("Streaming").toStdString()] {
-            if (const auto mgr = weak.lock()) {
-                mgr->setStreamingText(word);
+    loadThresholdChooser->setAccessibleName(windowText("LoadWarningAbove"));
+    languageChooser->setAccessibleName(windowText("Language"));
+    languageChooser->setToolTip(windowText("Language"));
+    status->setAccessibleName(windowText("SourceStatus"));
+    messageDock->setWindowTitle(windowText("MessageCentre"));
+    messageList->setAccessibleName(windowText("MessageCentre"));
+    messageList->setToolTip(windowText("MessageHint"));
+    panelDock->setAccessibleName(panel->titleText());
+    programMenu->setTitle(windowText("ProgramMenu"));
+    putOnProgramAction->setText(windowText("PutOnProgram"));
+    takeOffProgramAction->setText(windowText("TakeOffProgram"));
+    viewMenu->setTitle(windowText("ViewMenu"));
+    monitor->retranslate();
+    retranslateDockButtons();
+    libraryStatus->setText(
+        windowText("LibraryStatus")
+            .arg(QString::fromLatin1(vexa::inputsource::libraryVersion()),
+                 IsSupportedWGC() ? windowText("Available") : windowText("NotAvailable")));
+    refreshStatus();
+}
+
+void DemoWindow::Impl::retranslateDockButtons()
+{
+    // Qt names the docks' title buttons in English, and no host translation of Qt's own texts
+    // is installed: the window names them in the operator's language.
+    for (QDockWidget* dock : {panelDock, messageDock}) {
+        for (auto* button : dock->findChildren<QAbstractButton*>()) {
+            const char* key = nullptr;
+            if (button->objectName() == QLatin1String("qt_dockwidget_floatbutton")) {
+                key = "FloatDock";
+            } else if (button->objectName() == QLatin1String("qt_dockwidget_closebutton")) {
+                key = "CloseDock";
             }
-        },
-        __FILE__, __LINE__, "DemoWindow::retranslate");
+            if (key != nullptr) {
+                button->setAccessibleName(windowText(key));
+                button->setToolTip(windowText(key));
+            }
+        }
+    }
 }
 
 void DemoWindow::Impl::chooseLoadThreshold(int percent)
@@ -421,10 +545,15 @@ void DemoWindow::Impl::chooseLoadThreshold(int percent)
 void DemoWindow::Impl::refreshStatus()
 {
     const uint64_t frames = manager->deliveredFrames();
+    // Measured, not assumed: a busy GUI thread (hundreds of tiles arriving) fires the timer late.
+    const qint64 elapsedMs = sinceLastStatus.isValid() ? sinceLastStatus.restart() : 0;
+    if (!sinceLastStatus.isValid()) {
+        sinceLastStatus.start();
+    }
     const double perSecond =
-        static_cast<double>(frames - framesAtLastStatus) * 1000.0 / statusIntervalMs;
+        elapsedMs > 0 ? static_cast<double>(frames - framesAtLastStatus) * 1000.0 / elapsedMs : 0.0;
     framesAtLastStatus = frames;
-    status->setText(QStringLiteral("%1 sources  ·  %2 previewed  ·  %3 frames/s")
+    status->setText(windowText("StatusLine")
                         .arg(manager->getResources().size())
                         .arg(manager->previewedIds().size())
                         .arg(perSecond, 0, 'f', 0));
@@ -457,68 +586,99 @@ void DemoWindow::Impl::removeMessage(quint64 id)
     }
 }
 
-DemoWindow::DemoWindow(QWidget* parent)
+DemoWindow::DemoWindow(QWidget* parent, int sourceCount)
     : QMainWindow(parent)
     , d(std::make_unique<Impl>(this))
 {
-    setWindowTitle(QStringLiteral("Input sources demo host"));
-    d->loadLanguages();
-
-    auto* central = new QWidget(this);
-    auto* layout = new QVBoxLayout(central);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->addWidget(d->buildToolbar());
-    auto* body = new QHBoxLayout;
-    body->setContentsMargins(0, 0, 0, 0);
-    body->setSpacing(0);
-    body->addWidget(d->buildPanel(), 3);
-    body->addWidget(d->buildMessages(), 1);
-    layout->addLayout(body, 1);
-    setCentralWidget(central);
+    setObjectName(QStringLiteral("demoWindow"));
+    setStyleSheet(QLatin1String(chromeStyleSheet));
+    d->buildToolbar();
+    d->monitor = new ProgramMonitor(this);
+    setCentralWidget(d->monitor);
+    // Before the panel, whose dialogs are made with it: they start in its first language.
+    d->switchKitLanguage(QStringLiteral("zh_CN"));
+    d->buildPanel();
+    d->buildMessages();
+    d->buildMenus();
+    d->setTabOrder();
+    // Permanent, so that a passing notice in the status bar does not wipe it.
+    d->libraryStatus = new QLabel(this);
+    d->libraryStatus->setObjectName(QStringLiteral("libraryStatus"));
+    statusBar()->addPermanentWidget(d->libraryStatus);
 
     d->reportManagerEvents();
-    d->bindBoxes();
+    d->bindPanel();
     d->retranslate();
-    d->manager->seedDemoSources();
+    if (sourceCount >= 0) {
+        d->manager->seedSources(sourceCount);
+    } else {
+        d->manager->seedDemoSources();
+    }
     d->manager->startLoadReadings();
 
     auto* statusTimer = new QTimer(this);
     connect(statusTimer, &QTimer::timeout, this, [this] { d->refreshStatus(); });
     statusTimer->start(statusIntervalMs);
-    d->refreshStatus();
 
-    statusBar()->showMessage(
-        QStringLiteral("vexainputsourcewidget %1   |   window capture (WGC) %2")
-            .arg(QString::fromLatin1(vexa::inputsource::libraryVersion()),
-                 IsSupportedWGC() ? QStringLiteral("available")
-                                  : QStringLiteral("not available on this system")));
     d->messageCentre.postMessage(
         {QStringLiteral("Demo host started."), quandel::msgcenter::STMessage::Info, 3000, {}});
 }
 
 DemoWindow::~DemoWindow()
 {
-    // The frame thread stops reaching into the boxes, the boxes stop listening, the manager's
-    // threads end, and only then the runtime: nothing is left to post to it.
+    // In the order the threads need: no frame reaches the panel or the monitor any more, the
+    // panel stops listening, the manager's threads end, and only then the runtime, when nothing
+    // is left to post to it.
     d->managerEvents.clear();
     d->manager->setFrameSink({});
     d->manager->setDeviceSink({}, {});
-    for (InputSourceBox* box : d->boxes) {
-        box->unsetInputSourceMgr();
-    }
+    d->panel->unsetInputSourceMgr();
     d->manager->shutdown();
     d->runtime.stop(quandel::ZQRuntime::StopMode::DiscardQueued);
-    // The boxes hold raw pointers to the runtime and the message centre, which go with d.
+    // The panel holds raw pointers to the runtime and the message centre, which go with d.
+    delete d->panelDock;
     delete takeCentralWidget();
+}
+
+InputSourceWidget* DemoWindow::panel() const
+{
+    return d->panel;
+}
+
+std::vector<InputSourceBox*> DemoWindow::boxes() const
+{
+    return d->boxes;
+}
+
+ProgramMonitor* DemoWindow::programMonitor() const
+{
+    return d->monitor;
+}
+
+bool DemoWindow::putSelectedOnProgram()
+{
+    const uint64_t id = d->selectedSource();
+    if (id == 0) {
+        statusBar()->showMessage(windowText("NoSourceSelected"), 4000);
+        return false;
+    }
+    const auto resource = d->manager->getResourceById(id);
+    d->monitor->setProgram(id, resource == nullptr ? QString::number(id)
+                                                   : QString::fromStdString(resource->getName()));
+    return true;
+}
+
+bool DemoWindow::isInUse(uint64_t id) const
+{
+    return id != 0 && (id == d->monitor->programId() || d->manager->isInUse(id));
 }
 
 void DemoWindow::switchLanguage(const QString& code)
 {
-    InputSourceTranslateManager::instance().translator().switchLanguage(code);
-    if (auto* chooser = findChild<vexa::widgets::ComboBox*>(QStringLiteral("languageChooser"))) {
-        chooser->setCurrentIndex(chooser->findData(code));
-    }
+    d->switchKitLanguage(code);
+    // The panel switches the translator, which holds the window's texts too.
+    d->panel->switchLanguage(code);
+    d->languageChooser->setCurrentIndex(d->languageChooser->findData(code));
     d->retranslate();
 }
 
@@ -526,11 +686,6 @@ void DemoWindow::setLoadThreshold(int percent)
 {
     d->chooseLoadThreshold(percent);
     d->manager->setLoadThresholds({{percent, percent, percent}});
-}
-
-std::vector<InputSourceBox*> DemoWindow::boxes() const
-{
-    return d->boxes;
 }
 
 std::shared_ptr<SimulatedInputSourceMgr> DemoWindow::manager() const

@@ -130,8 +130,8 @@ void workWebDialog(vexa::inputsource::WebBox* box, const QString& file, int hold
         QTimer::singleShot(holdMs, dialog, [box, dialog] {
             dialog->findChild<vexa::widgets::PushButton*>(QStringLiteral("webOkBtn"))->click();
             // The web box is the panel's last: the window's picture shows what changed.
-            if (auto* const panel =
-                    box->window()->findChild<QScrollArea*>(QStringLiteral("inputSourcePanel"))) {
+            if (auto* const panel = box->window()->findChild<QScrollArea*>(
+                    QStringLiteral("inputSourceScrollArea"))) {
                 panel->ensureWidgetVisible(box, 0, 0);
             }
         });
@@ -209,7 +209,7 @@ QWidget* ndiRow(int index)
 // receiver name refused with its notice open over the dialog (<base>-refused.png); then quits.
 void shootNdiDialog(QWidget* window, const QString& base)
 {
-    auto* const add = window->findChild<QWidget*>(QStringLiteral("box7"))
+    auto* const add = window->findChild<QWidget*>(QStringLiteral("ndiBox"))
                           ->findChild<QPushButton*>(QStringLiteral("boxAddButton"));
     QTimer::singleShot(1000, add, &QPushButton::click);
     QTimer::singleShot(1400, window, [base] {
@@ -313,6 +313,19 @@ int main(int argc, char** argv)
         QStringLiteral("With --screenshot: take the picture after <ms> milliseconds (2500 by "
                        "default)."),
         QStringLiteral("ms"), QStringLiteral("2500"));
+    const QCommandLineOption sources(
+        QStringLiteral("sources"),
+        QStringLiteral("Start with <n> made-up sources spread over the four kinds instead of "
+                       "the demo's own few."),
+        QStringLiteral("n"));
+    parser.addOption(sources);
+    const QCommandLineOption record(
+        QStringLiteral("record"),
+        QStringLiteral(
+            "Save a picture of the whole screen every second into <dir> (screen-NNNN.png), "
+            "menus and dialogs included, to look at a session afterwards."),
+        QStringLiteral("dir"));
+    parser.addOption(record);
     parser.addOption(webDialog);
     parser.addOption(webEdit);
     parser.addOption(holdDialog);
@@ -322,8 +335,10 @@ int main(int argc, char** argv)
     app.setStyleSheet(vexa::widgets::defaultStyleSheet() +
                       demohost::ThemeLoader::styleSheet(demohost::ThemeLoader::themesDir()));
 
-    demohost::DemoWindow window;
-    window.resize(1100, 760);
+    const int sourceCount = parser.isSet(sources) ? qMax(0, parser.value(sources).toInt())
+                                                  : demohost::DemoWindow::demoSources;
+    demohost::DemoWindow window(nullptr, sourceCount);
+    window.resize(1500, 900);
     window.show();
     if (parser.isSet(language)) {
         window.switchLanguage(parser.value(language));
@@ -354,12 +369,30 @@ int main(int argc, char** argv)
     } else if (parser.isSet(screenshot)) {
         const QString path = parser.value(screenshot);
         QTimer::singleShot(parser.value(screenshotAfter).toInt(), &window, [&window, path] {
-            // With a dialog open, the picture shows the screen, as a person sees both.
-            const QPixmap picture = QApplication::activeModalWidget() != nullptr
-                                        ? QGuiApplication::primaryScreen()->grabWindow(0)
-                                        : window.grab();
+            // With a dialog open, the picture shows the screen, as a person sees both. A
+            // platform without a screen to read (offscreen, on a machine slow enough that the
+            // dialog is still open) gives the dialog alone.
+            QWidget* const modal = QApplication::activeModalWidget();
+            QPixmap picture =
+                modal != nullptr ? QGuiApplication::primaryScreen()->grabWindow(0) : window.grab();
+            if (picture.isNull() && modal != nullptr) {
+                picture = modal->grab();
+            }
             QCoreApplication::exit(picture.save(path) ? 0 : 1);
         });
+    }
+    if (parser.isSet(record)) {
+        // A timer keeps running inside the event loops of menus, dialogs and drags, so every
+        // step of a session is caught, whatever has the keyboard.
+        auto* const recorder = new QTimer(&window);
+        QObject::connect(recorder, &QTimer::timeout, &window,
+                         [dir = parser.value(record), shot = 0]() mutable {
+                             save(QGuiApplication::primaryScreen()->grabWindow(0),
+                                  QStringLiteral("%1/screen-%2.png")
+                                      .arg(dir)
+                                      .arg(++shot, 4, 10, QLatin1Char('0')));
+                         });
+        recorder->start(1000);
     }
     if (parser.isSet(quitAfter)) {
         QTimer::singleShot(parser.value(quitAfter).toInt(), &app, &QCoreApplication::quit);

@@ -248,6 +248,9 @@ struct SimulatedInputSourceMgr::Impl
     std::atomic<bool> ticking{false};
     std::atomic<bool> readingLoad{false};
     std::atomic<uint64_t> totalFrames{0};
+    // The source on the host's program output: rendered whether previewed or not, as a real
+    // host decodes what goes on air.
+    std::atomic<uint64_t> programId{0};
     DelayedPoster poster;
 
     // Held while the sink runs, so that setFrameSink() returns only once no old call is left.
@@ -564,9 +567,10 @@ void SimulatedInputSourceMgr::Impl::runFrames()
     for (;;) {
         std::vector<FrameTarget> targets;
         {
+            const uint64_t program = programId.load();
             std::lock_guard<std::mutex> lock(mutex);
             for (const Source& source : sources) {
-                if (source.online && source.previewed) {
+                if (source.online && (source.previewed || source.record.id == program)) {
                     targets.push_back({source.record.id, QString::fromStdString(source.record.name),
                                        source.meta->getFrameRate()});
                 }
@@ -992,6 +996,41 @@ void SimulatedInputSourceMgr::seedDemoSources()
     thirds.webTabs = {{"Lower Thirds", thirds.address, 1}};
 
     d->onRuntime([records](SimulatedInputSourceMgr& mgr) { mgr.addInputSources(records); });
+}
+
+void SimulatedInputSourceMgr::seedSources(int count)
+{
+    // Top to bottom as the panel shows the kinds, so every box fills evenly.
+    constexpr int32_t kinds[] = {captureKind, streamKind, ndiKind, webKind};
+    const char* const words[] = {"Capture", "Feed", "NDI", "Page"};
+    std::vector<STInputSource> records;
+    for (int index = 0; index < count; ++index) {
+        const int kind = index % 4;
+        STInputSource record = makeRecord(kinds[kind]);
+        // makeRecord() names from the sources already added; these are not added yet.
+        record.name = std::string(words[kind]) + " " + std::to_string(index / 4 + 1);
+        if (kinds[kind] == ndiKind) {
+            record.address = "10.20." + std::to_string(index / 1000) + "." +
+                             std::to_string(index % 1000 / 4 + 1);
+        } else if (kinds[kind] == webKind) {
+            record.webName = record.name;
+            record.webTabs = {{record.name, record.address, 1}};
+        }
+        // One live picture per kind, as the demo's own set has.
+        record.preview = index < 4;
+        records.push_back(std::move(record));
+    }
+    d->onRuntime([records](SimulatedInputSourceMgr& mgr) { mgr.addInputSources(records); });
+}
+
+void SimulatedInputSourceMgr::setProgramSource(uint64_t id)
+{
+    d->programId = id;
+}
+
+uint64_t SimulatedInputSourceMgr::programSource() const
+{
+    return d->programId.load();
 }
 
 STInputSource SimulatedInputSourceMgr::makeRecord(int32_t type)

@@ -113,6 +113,15 @@ public:
     /// offline), NDI senders and web pages. One source of each kind starts previewed.
     void seedDemoSources();
 
+    /// Posts the creation of `count` made-up sources to the runtime, spread over the four kinds
+    /// in turn (capture card, stream, NDI sender, web page), the first of each kind previewed.
+    void seedSources(int count);
+
+    /// Makes `id` the source on the host's program output (0: none): the frame thread renders
+    /// it while it is online, previewed or not. Any thread.
+    void setProgramSource(uint64_t id);
+    uint64_t programSource() const;
+
     /// A new record of kind `type` (7, 8, 9 or 13) with a free name and a made-up address, as
     /// an operator's "add" would give it.
     vexa::inputsource::STInputSource makeRecord(int32_t type);

@@ -18,5 +18,100 @@
         <comment>Window</comment>
         <translation>消息中心</translation>
     </message>
+    <message>
+        <source>WindowTitle</source>
+        <comment>Window</comment>
+        <translation>输入源演示主机</translation>
+    </message>
+    <message>
+        <source>Toolbar</source>
+        <comment>Window</comment>
+        <translation>工具栏</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <comment>Window</comment>
+        <translation>语言</translation>
+    </message>
+    <message>
+        <source>SourceStatus</source>
+        <comment>Window</comment>
+        <translation>输入源与帧率</translation>
+    </message>
+    <message>
+        <source>StatusLine</source>
+        <comment>Window</comment>
+        <translation>%1 个输入源  ·  %2 个预览中  ·  %3 帧/秒</translation>
+    </message>
+    <message>
+        <source>MessageHint</source>
+        <comment>Window</comment>
+        <translation>双击消息或在消息上按 Enter 执行其操作</translation>
+    </message>
+    <message>
+        <source>ProgramMenu</source>
+        <comment>Window</comment>
+        <translation>节目(&amp;P)</translation>
+    </message>
+    <message>
+        <source>PutOnProgram</source>
+        <comment>Window</comment>
+        <translation>将选中的输入源切到节目</translation>
+    </message>
+    <message>
+        <source>TakeOffProgram</source>
+        <comment>Window</comment>
+        <translation>将输入源撤下节目</translation>
+    </message>
+    <message>
+        <source>ViewMenu</source>
+        <comment>Window</comment>
+        <translation>视图(&amp;V)</translation>
+    </message>
+    <message>
+        <source>LibraryStatus</source>
+        <comment>Window</comment>
+        <translation>vexainputsourcewidget %1   |   窗口捕获 (WGC) %2</translation>
+    </message>
+    <message>
+        <source>Available</source>
+        <comment>Window</comment>
+        <translation>可用</translation>
+    </message>
+    <message>
+        <source>NotAvailable</source>
+        <comment>Window</comment>
+        <translation>此系统不可用</translation>
+    </message>
+    <message>
+        <source>NoSourceSelected</source>
+        <comment>Window</comment>
+        <translation>请先在面板中选择一个输入源</translation>
+    </message>
+    <message>
+        <source>ProgramMonitor</source>
+        <comment>Window</comment>
+        <translation>节目监视器</translation>
+    </message>
+    <message>
+        <source>ProgramHint</source>
+        <comment>Window</comment>
+        <translation>将输入源拖到这里，或选中后按 Ctrl+Enter，即可切到节目</translation>
+    </message>
+    <message>
+        <source>ProgramCaption</source>
+        <comment>Window</comment>
+        <translation>节目：%1</translation>
+    </message>
+    <message>
+        <source>FloatDock</source>
+        <comment>Window</comment>
+        <translation>浮动</translation>
+    </message>
+    <message>
+        <source>CloseDock</source>
+        <comment>Window</comment>
+        <translation>关闭</translation>
+    </message>
 </context>
 </TS>

@@ -18,5 +18,100 @@
         <comment>Window</comment>
         <translation>訊息中心</translation>
     </message>
+    <message>
+        <source>WindowTitle</source>
+        <comment>Window</comment>
+        <translation>輸入源示範主機</translation>
+    </message>
+    <message>
+        <source>Toolbar</source>
+        <comment>Window</comment>
+        <translation>工具列</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <comment>Window</comment>
+        <translation>語言</translation>
+    </message>
+    <message>
+        <source>SourceStatus</source>
+        <comment>Window</comment>
+        <translation>輸入源與影格率</translation>
+    </message>
+    <message>
+        <source>StatusLine</source>
+        <comment>Window</comment>
+        <translation>%1 個輸入源  ·  %2 個預覽中  ·  %3 影格/秒</translation>
+    </message>
+    <message>
+        <source>MessageHint</source>
+        <comment>Window</comment>
+        <translation>按兩下訊息或在訊息上按 Enter 執行其動作</translation>
+    </message>
+    <message>
+        <source>ProgramMenu</source>
+        <comment>Window</comment>
+        <translation>節目(&amp;P)</translation>
+    </message>
+    <message>
+        <source>PutOnProgram</source>
+        <comment>Window</comment>
+        <translation>將選取的輸入源切到節目</translation>
+    </message>
+    <message>
+        <source>TakeOffProgram</source>
+        <comment>Window</comment>
+        <translation>將輸入源撤下節目</translation>
+    </message>
+    <message>
+        <source>ViewMenu</source>
+        <comment>Window</comment>
+        <translation>檢視(&amp;V)</translation>
+    </message>
+    <message>
+        <source>LibraryStatus</source>
+        <comment>Window</comment>
+        <translation>vexainputsourcewidget %1   |   視窗擷取 (WGC) %2</translation>
+    </message>
+    <message>
+        <source>Available</source>
+        <comment>Window</comment>
+        <translation>可用</translation>
+    </message>
+    <message>
+        <source>NotAvailable</source>
+        <comment>Window</comment>
+        <translation>此系統無法使用</translation>
+    </message>
+    <message>
+        <source>NoSourceSelected</source>
+        <comment>Window</comment>
+        <translation>請先在面板中選取一個輸入源</translation>
+    </message>
+    <message>
+        <source>ProgramMonitor</source>
+        <comment>Window</comment>
+        <translation>節目監看器</translation>
+    </message>
+    <message>
+        <source>ProgramHint</source>
+        <comment>Window</comment>
+        <translation>將輸入源拖曳到這裡，或選取後按 Ctrl+Enter，即可切到節目</translation>
+    </message>
+    <message>
+        <source>ProgramCaption</source>
+        <comment>Window</comment>
+        <translation>節目：%1</translation>
+    </message>
+    <message>
+        <source>FloatDock</source>
+        <comment>Window</comment>
+        <translation>浮動</translation>
+    </message>
+    <message>
+        <source>CloseDock</source>
+        <comment>Window</comment>
+        <translation>關閉</translation>
+    </message>
 </context>
 </TS>

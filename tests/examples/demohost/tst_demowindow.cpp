@@ -285,7 +285,7 @@ void TestDemoWindow::theBoxesShowTheSeededSources()
     QCOMPARE(titleOf(boxes[0]), text("CaptureCard"));
     QCOMPARE(titleOf(boxes[1]), text("Streaming"));
     QCOMPARE(titleOf(boxes[2]), QStringLiteral("NDI"));
-    QCOMPARE(titleOf(boxes[3]), QStringLiteral("Web"));
+    QCOMPARE(titleOf(boxes[3]), text("WebPage"));
 
     // Every source has its tile, in its own box, named as the manager names it.
     for (const auto& resource : window->manager()->getResources()) {
