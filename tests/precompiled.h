@@ -7,8 +7,7 @@
 #include <QtTest/QtTest>
 #include <QtWidgets/QtWidgets>
 
-#include <boost/signals2/connection.hpp>
-#include <boost/signals2/signal.hpp>
+#include <sigslot/signal.h>
 
 #include <atomic>
 #include <functional>

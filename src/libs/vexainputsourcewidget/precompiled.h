@@ -4,8 +4,7 @@
 
 #include <QtWidgets/QtWidgets>
 
-#include <boost/signals2/connection.hpp>
-#include <boost/signals2/signal.hpp>
+#include <sigslot/signal.h>
 
 #include <functional>
 #include <memory>
