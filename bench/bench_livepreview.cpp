@@ -93,6 +93,13 @@ struct Options
     std::chrono::milliseconds warmUp{700};
     std::chrono::milliseconds window{2500};
     int firstPaintChild = -1;
+    // Runs only the cases whose name ("live/480x270", "firstpaint") contains it.
+    std::string filter;
+
+    bool selects(const std::string& name) const
+    {
+        return filter.empty() || name.find(filter) != std::string::npos;
+    }
 };
 
 double threadCpuSeconds(clockid_t clock)
@@ -578,7 +585,10 @@ Options parseOptions(int argc, char** argv)
         const std::string repetitions = "--benchmark_repetitions=";
         const std::string minTime = "--benchmark_min_time=";
         const std::string child = "--first-paint-child=";
-        if (argument.rfind(child, 0) == 0) {
+        const std::string filter = "--benchmark_filter=";
+        if (argument.rfind(filter, 0) == 0) {
+            options.filter = argument.substr(filter.size());
+        } else if (argument.rfind(child, 0) == 0) {
             options.firstPaintChild = std::atoi(argument.c_str() + child.size());
         } else if (argument.rfind(repetitions, 0) == 0) {
             options.repetitions = std::max(1, std::atoi(argument.c_str() + repetitions.size()));
@@ -625,10 +635,17 @@ int main(int argc, char** argv)
     for (const Size size : {Size{1920, 1080, 1.0}, Size{480, 270, 1.5}}) {
         const FrameSet frames(size.width, size.height);
         std::map<std::string, std::vector<Sample>> samples;
+        const std::string label = std::to_string(size.width) + "x" + std::to_string(size.height);
         for (int repetition = 0; repetition < options.repetitions; ++repetition) {
-            samples["memcpy"].push_back(measureMemcpy(options, frames));
-            samples["drawImage"].push_back(measureDrawImage(options, frames));
-            samples["live"].push_back(measureLive(options, frames, &ok));
+            if (options.selects("memcpy/" + label)) {
+                samples["memcpy"].push_back(measureMemcpy(options, frames));
+            }
+            if (options.selects("drawImage/" + label)) {
+                samples["drawImage"].push_back(measureDrawImage(options, frames));
+            }
+            if (options.selects("live/" + label)) {
+                samples["live"].push_back(measureLive(options, frames, &ok));
+            }
         }
         const auto med = [&samples](const std::string& name, double Sample::*field) {
             std::vector<double> values;
@@ -637,8 +654,10 @@ int main(int argc, char** argv)
             }
             return median(values);
         };
-        const std::string label = std::to_string(size.width) + "x" + std::to_string(size.height);
         for (const std::string name : {"memcpy", "drawImage", "live"}) {
+            if (samples[name].empty()) {
+                continue;
+            }
             std::printf("%-10s %s %s: GUI %.3f core (%.1f us/frame), frame threads %.3f core "
                         "(%.1f us/frame), %.0f frames/s, surface paints/frame %.2f, widget "
                         "paints/frame %.2f, RSS %.0f MB\n",
@@ -648,6 +667,9 @@ int main(int argc, char** argv)
                         med(name, &Sample::framesPerSecond),
                         med(name, &Sample::surfacePaintsPerFrame),
                         med(name, &Sample::widgetPaintsPerFrame), med(name, &Sample::residentMb));
+        }
+        if (samples["live"].empty() || samples["memcpy"].empty() || samples["drawImage"].empty()) {
+            continue;
         }
         printRatio("livepreview " + label + " " + platform + " GUI / bare drawImage",
                    med("live", &Sample::guiCpuPerFrame), med("drawImage", &Sample::guiCpuPerFrame),
@@ -662,10 +684,14 @@ int main(int argc, char** argv)
 
     std::vector<double> empty;
     std::vector<double> full;
-    for (int repetition = 0; repetition < options.repetitions; ++repetition) {
+    for (int repetition = 0; repetition < options.repetitions && options.selects("firstpaint");
+         ++repetition) {
         empty.push_back(timeToFirstPaint(argv[0], false));
         full.push_back(timeToFirstPaint(argv[0], true));
         ok = ok && empty.back() >= 0 && full.back() >= 0;
+    }
+    if (empty.empty()) {
+        return ok ? 0 : 1;
     }
     std::printf("first paint %s: empty window %.1f ms, with %d tiles %.1f ms\n", platform.c_str(),
                 median(empty), kSources, median(full));
