@@ -97,11 +97,10 @@ struct Picture
 };
 
 // Paints the widgets that lie over the surface (the tile's state dot and preview button) as part
-// of the surface's own paint, from pictures of them kept until they change. A
-// frame then repaints the surface alone: Qt asks the widgets over it to paint as well, and the
-// compositor answers for them, since the surface has just drawn them over the new picture.
-// When one of them changes, Qt repaints its area, the surface below it included, which draws
-// the widget anew.
+// of the surface's own paint, from pictures of them kept until they change. A frame then
+// repaints the surface alone: Qt asks the widgets over it to paint as well, and the compositor
+// answers for them, since the surface has just drawn them over the new picture. When one of
+// them changes, Qt repaints its area, the surface below it included, which draws it anew.
 class OverlayCompositor : public QObject
 {
 public:
