@@ -4,11 +4,14 @@
 // takes is measured while tiles are added and compared the same way.
 //
 // The manager's notifications are fired on a real runtime thread, as a host fires them; what is
-// timed is what the GUI thread does with them.
+// timed is what the GUI thread does with them. The default theme and its loading animation are
+// applied, as users have them; adding tiles is also measured without the theme, to tell what the
+// theme costs a tile. Deleting tiles and destroying a full box must also cost the same per tile.
 
 #include "support/eventloop.h"
 #include "support/offscreenplatform.h"
 #include "support/runwithratios.h"
+#include "support/theme.h"
 
 #include <vexainputsourcewidget/inputsourceitem.h>
 
@@ -60,10 +63,13 @@ constexpr int kTileSpacing = 8;
 // The frame hand-over aims at this many tiles spread over the whole box, so that the frames'
 // pixels stay in the cache at every box size and only finding the tile can grow with it.
 constexpr int kFrameTargets = 64;
-constexpr std::chrono::seconds kSettleTimeout(60);
+// A debug build under the theme takes minutes for 4,000 tiles on a busy machine.
+constexpr std::chrono::seconds kSettleTimeout(600);
 // The running time is shown on the tile's next tick, once a second.
 constexpr std::chrono::milliseconds kTickTimeout(3000);
 constexpr double kMaxRatio = 1.3;
+// What the default theme may add to a tile: half its cost without.
+constexpr double kMaxThemeRatio = 1.5;
 
 std::vector<IInputSourceMgr::ResourcePtr> makeResources(int count)
 {
@@ -103,6 +109,7 @@ struct BoxFixture
         box = new InputSourceBox(&window);
         box->setResourceType(EnResourceType::NetworkStream);
         box->setZQRuntime(&runtime);
+        box->setLoadingPath(vexa::bench::defaultLoadingAnimation());
         box->setInputSourceMgr(mgr);
         // Inside the window rather than a window itself, as in the panel.
         box->setGeometry(0, 0, kWindowWidth, kWindowHeight);
@@ -154,6 +161,13 @@ struct BoxFixture
         fireAdded(resources);
         const int count = static_cast<int>(resources.size());
         return settle([this, count] { return isLaidOut(count); });
+    }
+
+    bool deleteTiles(const std::vector<uint64_t>& ids)
+    {
+        mgr->fireOnRuntime(
+            [&ids](FakeInputSourceMgr& manager) { manager.signalResourcesDeleted(ids); });
+        return settle([this] { return box->itemCount() == 0; });
     }
 
     bool clearTiles()
@@ -270,6 +284,84 @@ void BM_AddTiles(benchmark::State& state)
     state.counters["heap_per_tile"] = heapTotal / static_cast<double>(state.iterations());
 }
 BENCHMARK(BM_AddTiles)->Apply(tileCounts)->UseManualTime();
+
+// The application's style sheet, as main() applied it.
+QString& themeSheet()
+{
+    static QString sheet;
+    return sheet;
+}
+
+// BM_AddTiles without the theme: what a tile costs the box itself, against which the theme's
+// share is told.
+void BM_AddTilesUnthemed(benchmark::State& state)
+{
+    // Its heap samples would mix with the themed ones that the heap ratios compare.
+    std::vector<double>& heap = heapPerTile()[static_cast<int>(state.range(0))];
+    const std::size_t heapSamples = heap.size();
+    qApp->setStyleSheet(QString());
+    BM_AddTiles(state);
+    qApp->setStyleSheet(themeSheet());
+    heap.resize(heapSamples);
+}
+BENCHMARK(BM_AddTilesUnthemed)->Arg(1000)->Unit(benchmark::kMicrosecond)->UseManualTime();
+
+// One notification deleting all N tiles, fired on the runtime thread, until the box holds none.
+// The box with its tiles is made untimed for every iteration.
+void BM_DeleteTiles(benchmark::State& state)
+{
+    const int tiles = static_cast<int>(state.range(0));
+    const auto resources = makeResources(tiles);
+    std::vector<uint64_t> ids;
+    for (const auto& resource : resources) {
+        ids.push_back(resource->getId());
+    }
+    bool deleted = true;
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto fixture = std::make_unique<BoxFixture>();
+        const bool added = fixture->addTiles(resources);
+        vexa::bench::drainEvents();
+        state.ResumeTiming();
+        const Clock::time_point start = Clock::now();
+        deleted = added && fixture->deleteTiles(ids) && deleted;
+        state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
+        state.PauseTiming();
+        fixture.reset();
+        state.ResumeTiming();
+    }
+    if (!deleted) {
+        state.SkipWithError("the tiles were not all deleted");
+        return;
+    }
+    reportItems(state, tiles);
+}
+BENCHMARK(BM_DeleteTiles)->Apply(tileCounts)->UseManualTime();
+
+// Destroying a window whose box holds N tiles, until the destructor returns. The box is filled
+// untimed for every iteration.
+void BM_DestroyBox(benchmark::State& state)
+{
+    const int tiles = static_cast<int>(state.range(0));
+    const auto resources = makeResources(tiles);
+    bool made = true;
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto fixture = std::make_unique<BoxFixture>();
+        made = fixture->addTiles(resources) && made;
+        vexa::bench::drainEvents();
+        state.ResumeTiming();
+        const Clock::time_point start = Clock::now();
+        fixture.reset();
+        state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
+    }
+    if (!made) {
+        state.SkipWithError("the tiles were not all made");
+        return;
+    }
+    reportItems(state, tiles);
+}
+BENCHMARK(BM_DestroyBox)->Apply(tileCounts)->UseManualTime();
 
 // Sends `sent` once more and checks that the first and last tiles show it after their next tick.
 // Run once per box size: the tick comes a second after the tile went online, too long to wait
@@ -406,11 +498,27 @@ int main(int argc, char** argv)
     // The window is shown on the offscreen platform, so no display is needed.
     vexa::bench::preferOffscreenPlatform();
     QApplication application(argc, argv);
+    themeSheet() = vexa::bench::defaultThemeStyleSheet();
+    if (themeSheet().isEmpty()) {
+        std::fprintf(stderr, "error: the default theme was not found\n");
+        return 1;
+    }
+    application.setStyleSheet(themeSheet());
     const int status = vexa::bench::runWithRatios(
         argc, argv,
         {RatioCheck::scaling("BM_AddTiles/1000/manual_time", "BM_AddTiles/100/manual_time",
                              kMaxRatio),
          RatioCheck::scaling("BM_AddTiles/4000/manual_time", "BM_AddTiles/100/manual_time",
+                             kMaxRatio),
+         RatioCheck::scaling("BM_AddTiles/1000/manual_time", "BM_AddTilesUnthemed/1000/manual_time",
+                             kMaxThemeRatio),
+         RatioCheck::scaling("BM_DeleteTiles/1000/manual_time", "BM_DeleteTiles/100/manual_time",
+                             kMaxRatio),
+         RatioCheck::scaling("BM_DeleteTiles/4000/manual_time", "BM_DeleteTiles/100/manual_time",
+                             kMaxRatio),
+         RatioCheck::scaling("BM_DestroyBox/1000/manual_time", "BM_DestroyBox/100/manual_time",
+                             kMaxRatio),
+         RatioCheck::scaling("BM_DestroyBox/4000/manual_time", "BM_DestroyBox/100/manual_time",
                              kMaxRatio),
          RatioCheck::scaling("BM_OnlineTimeUpdate/1000/manual_time",
                              "BM_OnlineTimeUpdate/100/manual_time", kMaxRatio),

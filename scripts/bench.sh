@@ -6,6 +6,7 @@
 #   scripts/bench.sh                                  five repetitions each, medians compared
 #   scripts/bench.sh --benchmark_filter=Relayout      further flags go to every program
 #   BENCH_BUILD_DIR=build/other scripts/bench.sh      another build directory
+# bench_livepreview runs a second time on a virtual X server when xvfb-run is installed.
 # A missed target does not fail the script; a program that fails to run does.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -34,6 +35,18 @@ for program in "${programs[@]}"; do
         failed+=("$name")
     fi
 done
+
+# The live previews are measured on a display server as well, when one can be started: what a
+# frame costs there includes sending the picture to the server.
+if [ -x "$build_dir/bench/bench_livepreview" ] && command -v xvfb-run >/dev/null 2>&1; then
+    echo "=== bench_livepreview (Xvfb)"
+    if ! QT_QPA_PLATFORM=xcb xvfb-run -a -s "-screen 0 1600x1000x24" \
+        "$build_dir/bench/bench_livepreview" "${flags[@]}" |
+        tee "$results_dir/bench_livepreview-xvfb.txt"; then
+        failed+=("bench_livepreview (Xvfb)")
+    fi
+    programs+=("bench_livepreview-xvfb")
+fi
 
 echo
 echo "=== ratios"

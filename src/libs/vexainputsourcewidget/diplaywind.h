@@ -12,7 +12,8 @@ namespace vexa::inputsource {
 
 /// The live preview surface inside a tile. Keeps a copy of the last accepted frame (8-bit RGBA)
 /// and paints it stretched over the whole widget; before the first frame it paints nothing, so
-/// what lies below (the tile's loading cover) stays visible.
+/// what lies below (the tile's loading cover) stays visible. Once it has a picture it is opaque:
+/// nothing below it is repainted with it.
 ///
 /// updateFrame() may be called from any thread; everything else, construction and destruction
 /// included, on the GUI thread.
@@ -34,8 +35,23 @@ public:
     /// the call.
     int updateFrame(const zq::mediacore::IFrame* frame);
 
+    /// Whether a frame has reached the GUI thread, so that the surface paints a picture. GUI
+    /// thread.
+    bool hasPicture() const;
+
+    /// Sibling widgets lying wholly on the surface, in the order they lie on it (the tile's state
+    /// dot and preview button). While it shows an opaque picture the surface paints them itself,
+    /// from pictures of them taken when they change, so that a frame repaints nothing else of
+    /// them. GUI thread.
+    void setOverlays(const QList<QWidget*>& overlays);
+
+Q_SIGNALS:
+    /// On the GUI thread, once, when the first frame has arrived there.
+    void pictureShown();
+
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     struct Impl;

@@ -14,7 +14,6 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QMovie>
 #include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -152,12 +151,8 @@ InputSourceItem* InputSourceBox::Impl::createItem(uint64_t id, const IResource& 
 {
     auto* const item = new InputSourceItem(quandel::resource::toCode(resourceType), itemArea);
     if (!loadingPath.isEmpty()) {
+        // The tile runs the shared animation while its cover shows it.
         item->setLoadingMovie(loadingPath);
-        // The tile pauses and resumes the animation with its preview; starting it is ours.
-        if (auto* const movie = item->findChild<QMovie*>()) {
-            movie->start();
-            movie->setPaused(item->isPreviewChecked());
-        }
     }
     item->setId(id);
     const std::string name = meta.getName().empty() ? resource.getName() : meta.getName();

@@ -2,6 +2,7 @@
 
 #include "diplaywind.h"
 #include "inputsourcetooltip.h"
+#include "loadinganimation.h"
 #include "modalloop.h"
 #include "queuedhandoff.h"
 #include "trkey.h"
@@ -129,6 +130,8 @@ public:
         : q(q)
     {}
 
+    ~Impl() override { setWatchingLoading(false); }
+
     void buildLayout();
     void connectSignals();
     void applyKind();
@@ -146,6 +149,8 @@ public:
     void showToolTip();
     void hideToolTip();
     void startDrag();
+    void updateCover();
+    void setWatchingLoading(bool watching);
 
     InputSourceItem* const q;
 
@@ -174,6 +179,11 @@ public:
     bool dragEnabled = false;
     QString resolutionText;
     QMovie* loadingMovie = nullptr;
+    // Shared by every tile showing the same file (loadinganimation.h).
+    std::shared_ptr<LoadingAnimation> loadingAnimation;
+    bool watchingLoading = false;
+    // What the preview toggle asks of the cover; a picture on the surface hides it all the same.
+    bool coverWanted = false;
     int32_t kind = streamKind;
     QString url;
     std::vector<quandel::CaptResolutionsInfo> captResolutions;
@@ -310,6 +320,9 @@ void InputSourceItem::Impl::buildLayout()
     duration->setAlignment(Qt::AlignCenter);
     duration->setFixedSize(durationWidth, durationHeight);
     duration->move(tileWidth / 2 - durationWidth / 2, 70);
+    // The running time changes every second: taking a picture of it that often would cost more
+    // than letting it paint itself (Qt prepares every widget of the window for each picture).
+    surface->setOverlays({stateDot, previewButton});
 
     menu = new QMenu(q);
     renameAction = menu->addAction(QStringLiteral("Rename"));
@@ -333,6 +346,30 @@ void InputSourceItem::Impl::connectSignals()
     connect(timer, &QTimer::timeout, this, &Impl::slotUpdateTime);
     connect(editAction, &QAction::triggered, this, &Impl::slotEdit);
     connect(resolutionBox, &QComboBox::textActivated, this, &Impl::slotResolutionChanged);
+    connect(surface, &DiplayWind::pictureShown, this, &Impl::updateCover);
+}
+
+void InputSourceItem::Impl::updateCover()
+{
+    // Under a surface showing a picture the cover cannot be seen: an animation kept running
+    // there would only cost timers, decoding and repaints.
+    const bool covered = surface->hasPicture() && !surface->isHidden();
+    const bool shown = coverWanted && !covered;
+    cover->setVisible(shown);
+    setWatchingLoading(shown);
+}
+
+void InputSourceItem::Impl::setWatchingLoading(bool watching)
+{
+    if (!loadingAnimation || watching == watchingLoading) {
+        return;
+    }
+    watchingLoading = watching;
+    if (watching) {
+        loadingAnimation->addViewer();
+    } else {
+        loadingAnimation->removeViewer();
+    }
 }
 
 void InputSourceItem::Impl::applyKind()
@@ -535,10 +572,8 @@ void InputSourceItem::Impl::setPreviewToggled(bool checked)
         return;
     }
     surface->setVisible(!checked);
-    cover->setVisible(!checked);
-    if (loadingMovie != nullptr) {
-        loadingMovie->setPaused(checked);
-    }
+    coverWanted = !checked;
+    updateCover();
 }
 
 void InputSourceItem::Impl::slotResolutionChanged(const QString& text)
@@ -595,10 +630,11 @@ bool InputSourceItem::isDragEnabled() const
 
 void InputSourceItem::setLoadingMovie(const QString& path)
 {
-    QMovie* const previous = d->loadingMovie;
-    d->loadingMovie = new QMovie(path, QByteArray(), d->loadingLabel);
+    d->setWatchingLoading(false);
+    d->loadingAnimation = LoadingAnimation::forFile(path);
+    d->loadingMovie = d->loadingAnimation->movie();
     d->loadingLabel->setMovie(d->loadingMovie);
-    delete previous;
+    d->updateCover();
 }
 
 void InputSourceItem::setName(const QString& name)
@@ -639,10 +675,12 @@ void InputSourceItem::setOnline(bool online)
             d->surface->show();
         }
         d->info->setText(d->resolutionText);
+        d->updateCover();
         // Rates posted while offline were dropped; the next frame must post again.
         d->postedFrameRate = noPostedFrameRate;
     } else {
         d->surface->hide();
+        d->updateCover();
         d->timer->stop();
         d->runningSeconds = 0;
         d->duration->setText(runningTimeText(0));

@@ -15,15 +15,32 @@ constexpr char fontSizeProperty[] = "fontSize";
 
 } // namespace
 
+struct ComboBox::Impl
+{
+    // Whether QComboBox may hold size hints, which a new style must drop.
+    bool sized = false;
+};
+
 ComboBox::ComboBox(QWidget* parent)
     : QComboBox(parent)
+    , d(std::make_unique<Impl>())
 {}
 
 ComboBox::~ComboBox() = default;
 
 void ComboBox::showPopup()
 {
+    const bool built = findChild<QAbstractItemView*>() != nullptr;
     QAbstractItemView* const popup = view();
+    if (!built) {
+        // What changeEvent() left for the popup.
+        QEvent style(QEvent::StyleChange);
+        QComboBox::changeEvent(&style);
+        QEvent palette(QEvent::PaletteChange);
+        QComboBox::changeEvent(&palette);
+        QEvent font(QEvent::FontChange);
+        QComboBox::changeEvent(&font);
+    }
     // QComboBox's own delegate paints its entries like menu items and ignores style sheet rules
     // on ::item, which would leave the popup out of the kit's look.
     if (qobject_cast<QStyledItemDelegate*>(popup->itemDelegate()) == nullptr) {
@@ -31,6 +48,36 @@ void ComboBox::showPopup()
     }
     carryFontSize(popup);
     QComboBox::showPopup();
+}
+
+QSize ComboBox::sizeHint() const
+{
+    d->sized = true;
+    return QComboBox::sizeHint();
+}
+
+QSize ComboBox::minimumSizeHint() const
+{
+    d->sized = true;
+    return QComboBox::minimumSizeHint();
+}
+
+void ComboBox::changeEvent(QEvent* event)
+{
+    // Every box placed under a style sheet gets style, palette and font changes as it is
+    // parented and polished; QComboBox builds its popup for each, which would cost each tile of
+    // a panel some eight widgets it may never show. Until the popup exists they are left to
+    // QWidget, and QComboBox gets them when the popup is first shown. A style or font change
+    // after the box was sized still goes to QComboBox at once, which drops its size hints.
+    const QEvent::Type type = event->type();
+    const bool leftForLater =
+        ((type == QEvent::StyleChange || type == QEvent::FontChange) && !d->sized) ||
+        type == QEvent::PaletteChange;
+    if (leftForLater && findChild<QAbstractItemView*>() == nullptr) {
+        QWidget::changeEvent(event);
+        return;
+    }
+    QComboBox::changeEvent(event);
 }
 
 bool ComboBox::event(QEvent* event)

@@ -36,10 +36,15 @@ void repolish(QWidget* widget, RepolishScope scope)
     if (widget == nullptr) {
         return;
     }
-    QStyle* const style = widget->style();
-    style->unpolish(widget);
-    style->polish(widget);
-    widget->update();
+    // A widget not polished yet takes its style, its current properties included, when it is
+    // first polished: polishing it now would only be done again then. With a style sheet each
+    // polish matches every rule and reads every icon the matching rules name.
+    if (widget->testAttribute(Qt::WA_WState_Polished)) {
+        QStyle* const style = widget->style();
+        style->unpolish(widget);
+        style->polish(widget);
+        widget->update();
+    }
     if (scope == RepolishScope::WidgetAndDescendants) {
         const auto descendants = widget->findChildren<QWidget*>();
         for (QWidget* child : descendants) {

@@ -38,6 +38,7 @@
 #include <cstring>
 #include <functional>
 #include <limits>
+#include <map>
 #include <memory>
 #include <thread>
 
@@ -315,6 +316,10 @@ private Q_SLOTS:
     void previewClickLocksTheToggleFor500Ms();
     void previewToggleIsAppliedQueued();
     void loadingAnimationFollowsThePreview();
+    void tilesShareOneLoadingAnimation();
+    void firstFrameStopsAndHidesTheLoadingAnimation();
+    void surfaceIsOpaqueOnceItHasAPicture();
+    void frameRepaintsTheSurfaceAndNothingUnderIt();
     void deviceCaptionIsFixed();
 
     void setResolution_data();
@@ -1010,12 +1015,11 @@ void TestInputSourceItem::loadingAnimationFollowsThePreview()
     auto* const loading = child<QLabel>(tile, "loadingLabel");
     QMovie* const movie = loading->movie();
     QVERIFY(movie != nullptr);
-    QCOMPARE(movie->parent(), static_cast<QObject*>(loading));
     QCOMPARE(movie->fileName(), file.fileName());
     QVERIFY(movie->isValid());
+    // Nothing shows it while the preview is off.
+    QVERIFY(movie->state() != QMovie::Running);
 
-    // The tile only pauses and resumes; starting is the box's.
-    movie->start();
     tile.setPreviewChecked(false);
     QTRY_VERIFY(!cover(tile)->isHidden());
     QCOMPARE(movie->state(), QMovie::Running);
@@ -1024,11 +1028,158 @@ void TestInputSourceItem::loadingAnimationFollowsThePreview()
     tile.setPreviewChecked(false);
     QTRY_COMPARE(movie->state(), QMovie::Running);
 
-    // A second animation replaces the first.
+    // Another file replaces the animation; the one before stops with its last viewer.
+    QTemporaryFile other(QDir::tempPath() + QStringLiteral("/loading-XXXXXX.gif"));
+    QVERIFY(other.open());
+    other.write(tinyAnimation());
+    other.close();
     QPointer<QMovie> first = movie;
-    tile.setLoadingMovie(file.fileName());
+    tile.setLoadingMovie(other.fileName());
     QVERIFY(first.isNull());
     QVERIFY(loading->movie() != nullptr);
+    QCOMPARE(loading->movie()->fileName(), other.fileName());
+    QCOMPARE(loading->movie()->state(), QMovie::Running);
+}
+
+void TestInputSourceItem::tilesShareOneLoadingAnimation()
+{
+    QTemporaryFile file(QDir::tempPath() + QStringLiteral("/loading-XXXXXX.gif"));
+    QVERIFY(file.open());
+    file.write(tinyAnimation());
+    file.close();
+
+    std::vector<std::unique_ptr<InputSourceItem>> tiles;
+    for (int index = 0; index < 3; ++index) {
+        tiles.push_back(std::make_unique<InputSourceItem>(streamKind));
+        tiles.back()->setLoadingMovie(file.fileName());
+        tiles.back()->setPreviewChecked(false);
+    }
+    QMovie* const movie = child<QLabel>(*tiles[0], "loadingLabel")->movie();
+    for (const auto& tile : tiles) {
+        QCOMPARE(child<QLabel>(*tile, "loadingLabel")->movie(), movie);
+    }
+    QTRY_COMPARE(movie->state(), QMovie::Running);
+
+    // It runs while any tile shows it, and stands still when none does.
+    tiles[0]->setPreviewChecked(true);
+    tiles[1]->setPreviewChecked(true);
+    QTRY_VERIFY(surface(*tiles[1])->isHidden());
+    QCOMPARE(movie->state(), QMovie::Running);
+    tiles[2]->setPreviewChecked(true);
+    QTRY_COMPARE(movie->state(), QMovie::Paused);
+
+    // It goes with the last tile holding it.
+    QPointer<QMovie> shared = movie;
+    tiles.clear();
+    QVERIFY(shared.isNull());
+}
+
+void TestInputSourceItem::firstFrameStopsAndHidesTheLoadingAnimation()
+{
+    QTemporaryFile file(QDir::tempPath() + QStringLiteral("/loading-XXXXXX.gif"));
+    QVERIFY(file.open());
+    file.write(tinyAnimation());
+    file.close();
+
+    InputSourceItem loadingTile(streamKind);
+    loadingTile.setLoadingMovie(file.fileName());
+    loadingTile.setOnline(true);
+    loadingTile.setPreviewChecked(false);
+    InputSourceItem tile(streamKind);
+    tile.setLoadingMovie(file.fileName());
+    tile.setOnline(true);
+    tile.setPreviewChecked(false);
+    QTRY_VERIFY(!cover(tile)->isHidden());
+    QMovie* const movie = child<QLabel>(tile, "loadingLabel")->movie();
+    QCOMPARE(movie->state(), QMovie::Running);
+
+    const auto frame = vexa::testing::FrameFactory::pattern(64, 36, 1);
+    tile.updateFrame(frame.get());
+    QTRY_VERIFY(cover(tile)->isHidden());
+    QVERIFY(!surface(tile)->isHidden());
+    // The other tile still waits for its picture, so the shared animation runs for it.
+    QVERIFY(!cover(loadingTile)->isHidden());
+    QCOMPARE(movie->state(), QMovie::Running);
+
+    loadingTile.updateFrame(frame.get());
+    QTRY_VERIFY(cover(loadingTile)->isHidden());
+    QCOMPARE(movie->state(), QMovie::Paused);
+
+    // Offline, the surface goes and the cover with its animation is what shows again.
+    tile.setOnline(false);
+    QVERIFY(surface(tile)->isHidden());
+    QVERIFY(!cover(tile)->isHidden());
+    QCOMPARE(movie->state(), QMovie::Running);
+    tile.setOnline(true);
+    QVERIFY(cover(tile)->isHidden());
+    QCOMPARE(movie->state(), QMovie::Paused);
+}
+
+void TestInputSourceItem::surfaceIsOpaqueOnceItHasAPicture()
+{
+    InputSourceItem tile(streamKind);
+    tile.setOnline(true);
+    tile.setPreviewChecked(false);
+    DiplayWind* const preview = surface(tile);
+    QTRY_VERIFY(!preview->isHidden());
+    QVERIFY(!preview->hasPicture());
+    QVERIFY(!preview->testAttribute(Qt::WA_OpaquePaintEvent));
+
+    QSignalSpy shown(preview, &DiplayWind::pictureShown);
+    const auto frame = vexa::testing::FrameFactory::pattern(64, 36, 1);
+    tile.updateFrame(frame.get());
+    QTRY_COMPARE(shown.count(), 1);
+    QVERIFY(preview->hasPicture());
+    QVERIFY(preview->testAttribute(Qt::WA_OpaquePaintEvent));
+    tile.updateFrame(frame.get());
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(shown.count(), 1);
+}
+
+void TestInputSourceItem::frameRepaintsTheSurfaceAndNothingUnderIt()
+{
+    QWidget window;
+    auto* const tile = new InputSourceItem(streamKind, &window);
+    tile->move(10, 10);
+    window.resize(200, 200);
+    tile->setOnline(true);
+    tile->setPreviewChecked(false);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    const auto frame = vexa::testing::FrameFactory::pattern(64, 36, 1);
+    tile->updateFrame(frame.get());
+    DiplayWind* const preview = surface(*tile);
+    QTRY_VERIFY(preview->hasPicture());
+    QTest::qWait(50);
+
+    struct PaintCounter : QObject
+    {
+        bool eventFilter(QObject* watched, QEvent* event) override
+        {
+            if (event->type() == QEvent::Paint) {
+                ++paints[watched];
+            }
+            return false;
+        }
+        std::map<QObject*, int> paints;
+    } counter;
+    // What lies under the picture: the window, the tile, its border and thumbnail, the cover.
+    const QList<QWidget*> under = {&window,       tile,
+                                   border(*tile), child<QLabel>(*tile, "thumbnail_streaming"),
+                                   cover(*tile),  child<QLabel>(*tile, "loadingLabel")};
+    for (QWidget* widget : under) {
+        widget->installEventFilter(&counter);
+    }
+    preview->installEventFilter(&counter);
+
+    const auto next = vexa::testing::FrameFactory::pattern(64, 36, 2);
+    tile->updateFrame(next.get());
+    QTRY_COMPARE(counter.paints[preview], 1);
+    QTest::qWait(50);
+    QCOMPARE(counter.paints[preview], 1);
+    for (QWidget* widget : under) {
+        QVERIFY2(counter.paints[widget] == 0, qPrintable(widget->objectName()));
+    }
 }
 
 void TestInputSourceItem::deviceCaptionIsFixed()

@@ -4,6 +4,8 @@
 
 #include <QComboBox>
 
+#include <memory>
+
 class QAbstractItemView;
 
 namespace vexa::widgets {
@@ -18,7 +20,8 @@ namespace vexa::widgets {
 /// The popup list and its window are built when first asked for (view(), or the popup shown),
 /// not with the box: a box that is never opened, as most boxes of a large panel, costs no
 /// popup. The list carries the box's "fontSize" from the moment it exists; the styled delegate
-/// is installed when the popup is first shown. GUI thread only.
+/// is installed when the popup is first shown. Style, palette and font changes before the
+/// popup exists build no popup either; it takes them when first shown. GUI thread only.
 class VEXA_WIDGETS_EXPORT ComboBox : public QComboBox
 {
     Q_OBJECT
@@ -33,6 +36,10 @@ public:
     /// Gives the popup view the styled delegate and the box's "fontSize", then shows it.
     void showPopup() override;
 
+    /// QComboBox's, noting that the box has been sized.
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
 protected:
     /// Passes "fontSize" on to the popup view and re-polishes on a change of a dynamic
     /// property, then does what QComboBox does.
@@ -41,8 +48,16 @@ protected:
     /// Hands "fontSize" to the popup list as the popup window adopts it.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
+    /// Leaves style, palette and font changes to QWidget while the popup does not exist, since
+    /// QComboBox would build it for them; a style or font change after the box was sized goes
+    /// to QComboBox all the same, to drop its size hints.
+    void changeEvent(QEvent* event) override;
+
 private:
     void carryFontSize(QAbstractItemView* popup);
+
+    struct Impl;
+    std::unique_ptr<Impl> const d;
 };
 
 } // namespace vexa::widgets

@@ -23,7 +23,8 @@ enum class RepolishScope
 VEXA_WIDGETS_EXPORT QString defaultStyleSheet();
 
 /// Has the widget's style evaluate it again (unpolish, polish, repaint), so that style sheet
-/// rules that select on its dynamic properties or object name follow their current values.
+/// rules that select on its dynamic properties or object name follow their current values. A
+/// widget that was never polished is left to its first polish, which sees the current values.
 /// Use WidgetAndDescendants when rules select children by a property of this widget. GUI thread
 /// only.
 VEXA_WIDGETS_EXPORT void repolish(QWidget* widget, RepolishScope scope = RepolishScope::Widget);
