@@ -1,8 +1,7 @@
 #include <vexainputsourcewidget/capturecardbox.h>
 
+#include "logcategory.h"
 #include "manageraccess.h"
-
-#include <vexa/diagnostics/warning.h>
 
 #include <QObject>
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "logcategory.h"
 #include "manageraccess.h"
 #include "tileindex.h"
 
@@ -9,7 +10,6 @@
 
 #include <quandel/resource/iresource.h>
 #include <sigslot/signal.h>
-#include <vexa/diagnostics/warning.h>
 #include <vexa/widgets/tipdialog.h>
 
 #include <QObject>

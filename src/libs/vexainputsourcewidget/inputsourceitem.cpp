@@ -2,6 +2,7 @@
 
 #include "diplaywind.h"
 #include "inputsourcetooltip.h"
+#include "logcategory.h"
 #include "modalloop.h"
 #include "queuedhandoff.h"
 #include "trkey.h"
@@ -9,7 +10,6 @@
 #include <vexainputsourcewidget/inputsourcedragpayload.h>
 
 #include <quandel/resource/enresourcetype.h>
-#include <vexa/diagnostics/warning.h>
 #include <vexa/widgets/combobox.h>
 #include <vexa/widgets/editbox.h>
 #include <vexa/widgets/elidinglabel.h>

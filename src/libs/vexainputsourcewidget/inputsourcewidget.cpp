@@ -1,5 +1,6 @@
 #include <vexainputsourcewidget/inputsourcewidget.h>
 
+#include "logcategory.h"
 #include "manageraccess.h"
 #include "modalloop.h"
 #include "trkey.h"
@@ -12,7 +13,6 @@
 #include <vexainputsourcewidget/webbox.h>
 #include <vexainputsourcewidget/webdialog.h>
 
-#include <vexa/diagnostics/warning.h>
 #include <vexa/widgets/dialog.h>
 #include <vexa/widgets/tipdialog.h>
 

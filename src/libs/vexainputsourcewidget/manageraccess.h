@@ -1,11 +1,10 @@
 #pragma once
 
+#include "logcategory.h"
 #include "runonruntime.h"
 
 #include <vexainputsourcewidget/iinputsourcemgr.h>
 #include <vexainputsourcewidget/vexainputsourcewidget_export.h>
-
-#include <vexa/diagnostics/warning.h>
 
 #include <QLatin1String>
 #include <QString>

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "logcategory.h"
 #include "relaytarget.h"
 
 #include <vexainputsourcewidget/iinputsourcemgr.h>
 
 #include <quandel/resource/enresourcetype.h>
 #include <sigslot/signal.h>
-#include <vexa/diagnostics/warning.h>
 
 #include <QGenericArgument>
 #include <QObject>

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "logcategory.h"
+
 #include <vexainputsourcewidget/vexainputsourcewidget_export.h>
 
-#include <vexa/diagnostics/warning.h>
 #include <vexa/widgets/tipdialog.h>
 
 #include <QString>

@@ -1,10 +1,9 @@
 #pragma once
 
+#include "logcategory.h"
 #include "queuedhandoff.h"
 
 #include <vexainputsourcewidget/vexainputsourcewidget_export.h>
-
-#include <vexa/diagnostics/warning.h>
 
 #include <QGenericArgument>
 #include <QMetaObject>

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "logcategory.h"
+
 #include <quandel/runtime/izqruntime.h>
-#include <vexa/diagnostics/warning.h>
 
 #include <functional>
 #include <future>

@@ -1,5 +1,6 @@
 #include <vexainputsourcewidget/streamingbox.h>
 
+#include "logcategory.h"
 #include "manageraccess.h"
 #include "modalloop.h"
 #include "namenotice.h"
@@ -7,8 +8,6 @@
 
 #include <vexainputsourcewidget/stinputsource.h>
 #include <vexainputsourcewidget/streamingdialog.h>
-
-#include <vexa/diagnostics/warning.h>
 
 #include <QObject>
 

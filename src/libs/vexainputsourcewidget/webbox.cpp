@@ -1,5 +1,6 @@
 #include <vexainputsourcewidget/webbox.h>
 
+#include "logcategory.h"
 #include "manageraccess.h"
 #include "modalloop.h"
 #include "namenotice.h"
@@ -10,7 +11,6 @@
 #include <vexainputsourcewidget/webdialog.h>
 
 #include <quandel/resource/iresource.h>
-#include <vexa/diagnostics/warning.h>
 #include <zq/mediacore/imeta.h>
 #include <zqctuils/indexgenerator.h>
 

@@ -2,6 +2,7 @@
 
 #include <vexa/diagnostics/warning.h>
 
+#include <QLoggingCategory>
 #include <QString>
 #include <QtGlobal>
 
@@ -14,9 +15,15 @@
 #include <thread>
 #include <utility>
 
+// VEXA_WARNING writes into the runtime's own category, so that a host can filter its
+// warnings apart from the widget library's.
+#define VEXA_LOGGING_CATEGORY lcRuntime
+
 namespace quandel {
 
 namespace {
+
+Q_LOGGING_CATEGORY(lcRuntime, "vexa.platform.runtime")
 
 QString callSite(const char* file, int line, const char* function)
 {

@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QLoggingCategory>
 #include <QTranslator>
 
 #include <map>
@@ -13,9 +14,15 @@
 #include <shared_mutex>
 #include <vector>
 
+// VEXA_WARNING writes into the translator's own category, so that a host can filter its
+// warnings apart from the widget library's.
+#define VEXA_LOGGING_CATEGORY lcTranslator
+
 namespace quandel::trans {
 
 namespace {
+
+Q_LOGGING_CATEGORY(lcTranslator, "vexa.platform.translator")
 
 // Far above any language file; a larger file is not read into memory.
 constexpr qint64 maxFileSize = 64 * 1024 * 1024;

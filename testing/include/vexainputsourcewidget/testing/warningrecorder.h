@@ -26,7 +26,8 @@ struct LoggedMessage
     int line = 0;
     /// The signature of the calling function, e.g. "void Tile::setSource(int)".
     QByteArray function;
-    /// The logging category, "default" for plain qWarning() and VEXA_WARNING.
+    /// The logging category: "default" for plain qWarning() and for VEXA_WARNING in code that
+    /// names no category, "vexa.inputsource" for the library's warnings.
     QByteArray category;
     /// The thread that logged it.
     std::thread::id thread;

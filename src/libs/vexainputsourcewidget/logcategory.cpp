@@ -1,0 +1,7 @@
+#include "logcategory.h"
+
+namespace vexa::inputsource {
+
+Q_LOGGING_CATEGORY(lcInputSource, "vexa.inputsource")
+
+} // namespace vexa::inputsource
