@@ -4,7 +4,7 @@ namespace vexa::inputsource {
 
 const char* libraryVersion()
 {
-    return VEXAINPUTSOURCEWIDGET_VERSION;
+    return VEXAINPUTSOURCEWIDGET_VERSION_STRING;
 }
 
 } // namespace vexa::inputsource
