@@ -18,6 +18,7 @@ packages=(
     xvfb
     xauth
     fonts-wqy-microhei
+    doxygen
 )
 
 missing=()
