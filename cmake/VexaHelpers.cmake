@@ -59,9 +59,12 @@ function(vexa_add_module target)
             CUSTOM_CONTENT_FROM_VARIABLE custom_content)
         # The export header of a static library expands to nothing only when this is defined,
         # for the library and for everything that includes its headers.
+        # Static archives are position-independent all the same, so that a host can link them
+        # into a shared library of its own.
         if(NOT BUILD_SHARED_LIBS)
             string(TOUPPER "${target}_STATIC_DEFINE" static_define)
             target_compile_definitions(${target} PUBLIC ${static_define})
+            set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
         endif()
         target_include_directories(${target} PUBLIC
             $<BUILD_INTERFACE:${ARG_INCLUDE_DIR}>

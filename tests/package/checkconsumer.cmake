@@ -45,19 +45,27 @@ function(expect_files component regex should)
         message(FATAL_ERROR "${component} should not hold ${files}")
     endif()
 endfunction()
-# Runtime: the versioned libraries, the language files, the theme and the licence; the
-# unversioned name links, headers and CMake files are for building, so Development's.
-expect_files(Runtime "libvexainputsourcewidget\\.so\\.[0-9]" TRUE)
+# Runtime: the versioned shared libraries, the language files, the theme and the licence; the
+# unversioned name links (or the static archives), headers and CMake files are for building, so
+# Development's.
 expect_files(Runtime "\\.qm$" TRUE)
 expect_files(Runtime "/LICENSE$" TRUE)
-expect_files(Runtime "\\.so$|\\.h$|\\.cmake$|testing" FALSE)
-expect_files(Development "libvexainputsourcewidget\\.so$" TRUE)
+expect_files(Runtime "\\.so$|\\.a$|\\.h$|\\.cmake$|testing" FALSE)
 expect_files(Development "vexainputsourcewidget/version\\.h$" TRUE)
 expect_files(Development "vexainputsourcewidget_version\\.h$" TRUE)
 expect_files(Development "vexainputsourcewidgetConfig\\.cmake$" TRUE)
 expect_files(Development "\\.so\\.[0-9]|testing" FALSE)
-expect_files(Testing "libvexainputsourcewidget_testing|testing/framefactory\\.h$|testing-targets" TRUE)
-expect_files(Testing "libvexainputsourcewidget\\.so|/version\\.h$" FALSE)
+expect_files(Testing "testing/framefactory\\.h$" TRUE)
+expect_files(Testing "testing-targets" TRUE)
+expect_files(Testing "libvexainputsourcewidget\\.|/version\\.h$" FALSE)
+if(SHARED_LIBS)
+    expect_files(Runtime "libvexainputsourcewidget\\.so\\.[0-9]" TRUE)
+    expect_files(Development "libvexainputsourcewidget\\.so$" TRUE)
+    expect_files(Testing "libvexainputsourcewidget_testing\\.so$" TRUE)
+else()
+    expect_files(Development "libvexainputsourcewidget\\.a$" TRUE)
+    expect_files(Testing "libvexainputsourcewidget_testing\\.a$" TRUE)
+endif()
 
 # A package that remembers where it was installed breaks here.
 file(MAKE_DIRECTORY "${WORK_DIR}/moved")
