@@ -36,7 +36,7 @@ void TestLogCategory::libraryWarnsInItsCategory()
 
     WarningRecorder recorder;
     vexa::inputsource::InputSourceWidget widget;
-    widget.setInputSourceMgr(nullptr);
+    widget.setInputSourceMgr({});
 
     const auto warning = recorder.find(QStringLiteral("nullptr == inputSourceMgr"));
     QVERIFY(warning.has_value());
@@ -53,7 +53,7 @@ void TestLogCategory::rulesSilenceTheLibraryOnly()
 
     WarningRecorder recorder;
     vexa::inputsource::InputSourceWidget widget;
-    widget.setInputSourceMgr(nullptr);
+    widget.setInputSourceMgr({});
     quandel::trans::Translator translator;
     QVERIFY(!translator.load(QStringLiteral("/nonexistent/language.qm")));
 
