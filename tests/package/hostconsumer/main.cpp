@@ -49,8 +49,8 @@ int main(int argc, char** argv)
         started = runtime.tasksStarted();
         panel.unsetInputSourceMgr();
     }
-    if (started == 0 ||
-        std::strcmp(vexa::inputsource::libraryVersion(), VEXAINPUTSOURCEWIDGET_VERSION_STRING) != 0) {
+    if (started == 0 || std::strcmp(vexa::inputsource::libraryVersion(),
+                                    VEXAINPUTSOURCEWIDGET_VERSION_STRING) != 0) {
         std::fprintf(stderr, "hostconsumer: the library did not use the host's runtime\n");
         return 1;
     }
