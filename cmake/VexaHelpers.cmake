@@ -1,8 +1,18 @@
 # Build helpers shared by every target of the project.
 
-# The project's own code builds with these warnings; CI turns them into errors.
+# The project's own code builds with these warnings (CI turns them into errors) and Qt's
+# hygiene: no `signals`/`slots`/`emit` keywords (Q_SIGNALS, Q_SLOTS, Q_EMIT, which do not clash
+# with other libraries' names), no silent conversion between QString and 8-bit strings (each says
+# its encoding), and string concatenation through QStringBuilder (one allocation per result).
+# Hosts compile the public headers without these, as the package test does.
 function(vexa_set_warnings target)
-    target_compile_options(${target} PRIVATE -Wall -Wextra $<$<BOOL:${VEXA_WERROR}>:-Werror>)
+    target_compile_options(${target} PRIVATE
+        -Wall -Wextra -Wshadow $<$<BOOL:${VEXA_WERROR}>:-Werror>)
+    target_compile_definitions(${target} PRIVATE
+        QT_NO_KEYWORDS
+        QT_NO_CAST_FROM_ASCII
+        QT_NO_CAST_TO_ASCII
+        QT_USE_QSTRINGBUILDER)
 endfunction()
 
 # vexa_add_module(<target>

@@ -428,7 +428,8 @@ private:
             if ((found != nullptr) != expected) {
                 problems << QStringLiteral("findItem(%1) %2")
                                 .arg(id)
-                                .arg(found ? "found a tile" : "found none");
+                                .arg(found ? QStringLiteral("found a tile")
+                                           : QStringLiteral("found none"));
                 continue;
             }
             if (expected) {

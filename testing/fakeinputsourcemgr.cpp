@@ -12,8 +12,8 @@ using vexa::inputsource::STWebOperation;
 
 struct FakeInputSourceMgr::Impl
 {
-    explicit Impl(quandel::IZQRuntime* runtime)
-        : runtime(runtime)
+    explicit Impl(quandel::IZQRuntime* hostRuntime)
+        : runtime(hostRuntime)
     {}
 
     quandel::IZQRuntime* const runtime;

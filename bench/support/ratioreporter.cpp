@@ -63,8 +63,8 @@ const char* clockName(RatioCheck::Clock clock)
 
 struct RatioReporter::Impl
 {
-    explicit Impl(std::vector<RatioCheck> checks)
-        : checks(std::move(checks))
+    explicit Impl(std::vector<RatioCheck> ratioChecks)
+        : checks(std::move(ratioChecks))
     {}
 
     // A median reported by the library wins; without repetitions, or when the aggregates were

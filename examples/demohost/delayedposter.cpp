@@ -14,8 +14,8 @@ using Clock = std::chrono::steady_clock;
 
 struct DelayedPoster::Impl
 {
-    explicit Impl(quandel::IZQRuntime* runtime)
-        : runtime(runtime)
+    explicit Impl(quandel::IZQRuntime* hostRuntime)
+        : runtime(hostRuntime)
     {}
 
     void run();

@@ -113,7 +113,7 @@ QString levelName(int level)
 QLabel* caption(const QString& words, QWidget* parent)
 {
     auto* label = new QLabel(words, parent);
-    label->setProperty("style", "grayHint");
+    label->setProperty("style", QStringLiteral("grayHint"));
     return label;
 }
 
@@ -173,7 +173,7 @@ QWidget* DemoWindow::Impl::buildToolbar()
 {
     auto* bar = new QWidget;
     bar->setObjectName(QStringLiteral("toolbar"));
-    bar->setProperty("style", "BG1");
+    bar->setProperty("style", QStringLiteral("BG1"));
     bar->setAttribute(Qt::WA_StyledBackground);
     auto* layout = new QHBoxLayout(bar);
     layout->setContentsMargins(14, 8, 12, 8);
@@ -181,7 +181,7 @@ QWidget* DemoWindow::Impl::buildToolbar()
 
     title = new QLabel(bar);
     title->setObjectName(QStringLiteral("windowTitle"));
-    title->setProperty("fontSize", "L");
+    title->setProperty("fontSize", QStringLiteral("L"));
     title->setStyleSheet(QStringLiteral("font-weight: 600;"));
 
     status = caption(QString(), bar);
@@ -227,7 +227,7 @@ QWidget* DemoWindow::Impl::buildPanel()
     scroll->setMinimumWidth(panelWidth);
 
     auto* column = new QWidget;
-    column->setProperty("style", "BG3");
+    column->setProperty("style", QStringLiteral("BG3"));
     column->setAttribute(Qt::WA_StyledBackground);
     auto* layout = new QVBoxLayout(column);
     layout->setContentsMargins(0, 4, 0, 8);
@@ -251,7 +251,7 @@ QWidget* DemoWindow::Impl::buildMessages()
 {
     auto* panel = new QWidget;
     panel->setObjectName(QStringLiteral("messagePanel"));
-    panel->setProperty("style", "BG2");
+    panel->setProperty("style", QStringLiteral("BG2"));
     panel->setAttribute(Qt::WA_StyledBackground);
     auto* layout = new QVBoxLayout(panel);
     layout->setContentsMargins(12, 10, 12, 12);

@@ -206,10 +206,10 @@ struct SimulatedInputSourceMgr::Impl
         double frameRate;
     };
 
-    Impl(SimulatedInputSourceMgr* owner, quandel::IZQRuntime* runtime)
+    Impl(SimulatedInputSourceMgr* owner, quandel::IZQRuntime* hostRuntime)
         : q(owner)
-        , runtime(runtime)
-        , poster(runtime)
+        , runtime(hostRuntime)
+        , poster(hostRuntime)
     {}
 
     Source* find(uint64_t id);

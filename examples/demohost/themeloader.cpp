@@ -21,7 +21,8 @@ bool isRelative(const QString& url)
 
 bool holdsTheme(const QString& dir)
 {
-    return !dir.isEmpty() && QFileInfo::exists(QDir(dir).filePath(ThemeLoader::styleSheetFile));
+    return !dir.isEmpty() &&
+           QFileInfo::exists(QDir(dir).filePath(QLatin1String(ThemeLoader::styleSheetFile)));
 }
 
 } // namespace
@@ -77,7 +78,7 @@ QString ThemeLoader::absoluteUrls(const QString& sheet, const QString& dir)
 
 QString ThemeLoader::loadingAnimation(const QString& dir)
 {
-    return QDir::cleanPath(QDir(dir).absoluteFilePath(loadingAnimationFile));
+    return QDir::cleanPath(QDir(dir).absoluteFilePath(QLatin1String(loadingAnimationFile)));
 }
 
 } // namespace demohost

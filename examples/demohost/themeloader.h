@@ -26,7 +26,8 @@ public:
 
     /// The style sheet `file` of the folder `dir`, its relative url()s made absolute against
     /// `dir`; empty, with a warning, when the file cannot be read.
-    static QString styleSheet(const QString& dir, const QString& file = styleSheetFile);
+    static QString styleSheet(const QString& dir,
+                              const QString& file = QLatin1String(styleSheetFile));
 
     /// `sheet` with every relative url() turned into an absolute path under `dir`, quoted.
     /// Absolute paths, Qt resources (":/...") and addresses with a scheme ("qrc:", "file:")

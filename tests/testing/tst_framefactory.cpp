@@ -43,7 +43,7 @@ class TestFrameFactory : public QObject
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void solidSetsEveryPixel();
     void solidCarriesTheFrameRate();
     void solidOfNoSizeIsEmpty();

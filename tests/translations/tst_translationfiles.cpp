@@ -81,7 +81,8 @@ std::set<QString> keysUsedByTheCode()
 {
     std::set<QString> keys;
     const QRegularExpression lookup(QStringLiteral(R"(\btrKey\(\s*"([^"]+)\"\s*\))"));
-    QDirIterator it(QStringLiteral(VEXA_LIBRARY_SOURCE_DIR), {"*.cpp", "*.h"}, QDir::Files,
+    QDirIterator it(QStringLiteral(VEXA_LIBRARY_SOURCE_DIR),
+                    {QStringLiteral("*.cpp"), QStringLiteral("*.h")}, QDir::Files,
                     QDirIterator::Subdirectories);
     while (it.hasNext()) {
         QFile source(it.next());
@@ -137,17 +138,19 @@ void TestTranslationFiles::threeLanguagesShip()
         languages << file.language;
     }
     languages.sort();
-    QCOMPARE(languages, QStringList({"en_US", "zh_CN", "zh_TW"}));
+    QCOMPARE(languages, QStringList({QStringLiteral("en_US"), QStringLiteral("zh_CN"),
+                                     QStringLiteral("zh_TW")}));
 }
 
 void TestTranslationFiles::filesAreWellFormedAndFinished()
 {
     for (const QString& path : tsFiles()) {
         const LanguageFile file = readTs(path);
-        QVERIFY2(file.problems.isEmpty(), qPrintable(path + ": " + file.problems.join("; ")));
+        QVERIFY2(file.problems.isEmpty(),
+                 qPrintable(path + QLatin1String(": ") + file.problems.join(QStringLiteral("; "))));
         QVERIFY2(!file.texts.empty(), qPrintable(path));
         for (const auto& [key, text] : file.texts) {
-            QVERIFY2(!text.trimmed().isEmpty(), qPrintable(path + ": " + key));
+            QVERIFY2(!text.trimmed().isEmpty(), qPrintable(path + QLatin1String(": ") + key));
         }
     }
 }
@@ -161,7 +164,7 @@ void TestTranslationFiles::everyFileHasTheSameKeys()
         const LanguageFile file = readTs(path);
         for (const auto& entry : reference.texts) {
             QVERIFY2(file.texts.count(entry.first) == 1,
-                     qPrintable(path + " lacks " + entry.first));
+                     qPrintable(path + QLatin1String(" lacks ") + entry.first));
         }
         QCOMPARE(file.texts.size(), reference.texts.size());
     }
@@ -174,8 +177,9 @@ void TestTranslationFiles::everyKeyTheCodeUsesIsTranslated()
         const LanguageFile file = readTs(path);
         for (const QString& key : keys) {
             const auto found = file.texts.find(key);
-            QVERIFY2(found != file.texts.end(), qPrintable(path + " lacks " + key));
-            QVERIFY2(!found->second.trimmed().isEmpty(), qPrintable(path + ": empty " + key));
+            QVERIFY2(found != file.texts.end(), qPrintable(path + QLatin1String(" lacks ") + key));
+            QVERIFY2(!found->second.trimmed().isEmpty(),
+                     qPrintable(path + QLatin1String(": empty ") + key));
         }
     }
 }
@@ -191,7 +195,7 @@ void TestTranslationFiles::placeholdersAgreeAcrossLanguages()
             if (known == expected.end()) {
                 expected[key] = markers;
             } else {
-                QVERIFY2(known->second == markers, qPrintable(path + ": " + key));
+                QVERIFY2(known->second == markers, qPrintable(path + QLatin1String(": ") + key));
             }
         }
     }

@@ -13,9 +13,9 @@ class CaptureCardBox::Impl : public QObject
     Q_OBJECT
 
 public:
-    explicit Impl(CaptureCardBox* q)
-        : QObject(q)
-        , q(q)
+    explicit Impl(CaptureCardBox* owner)
+        : QObject(owner)
+        , q(owner)
     {
         setObjectName(QStringLiteral("captureCardBoxImpl"));
     }

@@ -45,8 +45,8 @@ void eraseFirst(std::vector<uint64_t>& ids, uint64_t id)
 
 } // namespace
 
-InputSourceBox::Impl::Impl(InputSourceBox* q)
-    : q(q)
+InputSourceBox::Impl::Impl(InputSourceBox* owner)
+    : q(owner)
 {
     // The manager's notifications arrive here from the runtime thread.
     QueuedHandoff::watch(this);
@@ -128,9 +128,9 @@ std::vector<InputSourceItem*> InputSourceBox::Impl::items() const
 {
     std::vector<InputSourceItem*> found;
     found.reserve(static_cast<std::size_t>(flowLayout->count()));
-    for (int index = 0; index < flowLayout->count(); ++index) {
+    for (int position = 0; position < flowLayout->count(); ++position) {
         if (auto* const item =
-                qobject_cast<InputSourceItem*>(flowLayout->itemAt(index)->widget())) {
+                qobject_cast<InputSourceItem*>(flowLayout->itemAt(position)->widget())) {
             found.push_back(item);
         }
     }

@@ -125,8 +125,8 @@ class InputSourceItem::Impl : public QObject
     Q_OBJECT
 
 public:
-    explicit Impl(InputSourceItem* q)
-        : q(q)
+    explicit Impl(InputSourceItem* owner)
+        : q(owner)
     {}
 
     void buildLayout();
@@ -705,11 +705,11 @@ void InputSourceItem::setCaptResolutions(
 void InputSourceItem::setCurrentCaptResolution(const quandel::CaptResolutionsInfo& current)
 {
     for (int index = 0; index < d->resolutionBox->count(); ++index) {
-        const QVariant data = d->resolutionBox->itemData(index);
-        if (!data.canConvert<quandel::CaptResolutionsInfo>()) {
+        const QVariant entry = d->resolutionBox->itemData(index);
+        if (!entry.canConvert<quandel::CaptResolutionsInfo>()) {
             continue;
         }
-        const auto format = data.value<quandel::CaptResolutionsInfo>();
+        const auto format = entry.value<quandel::CaptResolutionsInfo>();
         // The device reports rates such as 59.94 as float while callers may have computed
         // them as double; an exact comparison would miss the entry.
         if (format.width == current.width && format.height == current.height &&

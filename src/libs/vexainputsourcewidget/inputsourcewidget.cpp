@@ -87,9 +87,9 @@ public Q_SLOTS:
 
 // A child of the panel with an object name, so that a host can reach its slots by name, as the
 // capture card box's.
-InputSourceWidget::Impl::Impl(InputSourceWidget* q)
-    : QObject(q)
-    , q(q)
+InputSourceWidget::Impl::Impl(InputSourceWidget* owner)
+    : QObject(owner)
+    , q(owner)
 {
     setObjectName(QStringLiteral("inputSourceWidgetImpl"));
 }

@@ -27,8 +27,8 @@ public Q_SLOTS:
     void openDialog();
 };
 
-NdiBox::Impl::Impl(NdiBox* q)
-    : q(q)
+NdiBox::Impl::Impl(NdiBox* owner)
+    : q(owner)
     , dialog(new NdiDialog(nullptr))
 {}
 

@@ -111,8 +111,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 };
 
-NdiDialog::Impl::Impl(NdiDialog* q)
-    : q(q)
+NdiDialog::Impl::Impl(NdiDialog* owner)
+    : q(owner)
 {
     // The manager's sender lists arrive here from the runtime thread.
     QueuedHandoff::watch(this);

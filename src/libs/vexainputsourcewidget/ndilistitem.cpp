@@ -67,8 +67,8 @@ public Q_SLOTS:
     void onReceiverEditingFinished();
 };
 
-NdiListItem::Impl::Impl(NdiListItem* q)
-    : q(q)
+NdiListItem::Impl::Impl(NdiListItem* owner)
+    : q(owner)
 {}
 
 void NdiListItem::Impl::build()

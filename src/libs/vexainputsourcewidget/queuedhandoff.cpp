@@ -26,9 +26,9 @@ void acquire([[maybe_unused]] QObject* target)
 class CallEvent : public QEvent
 {
 public:
-    explicit CallEvent(std::function<void()> call)
+    explicit CallEvent(std::function<void()> work)
         : QEvent(QueuedHandoff::eventType())
-        , call(std::move(call))
+        , call(std::move(work))
     {}
 
     const std::function<void()> call;

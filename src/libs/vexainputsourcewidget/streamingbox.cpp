@@ -20,8 +20,8 @@ class StreamingBox::Impl : public QObject
     Q_OBJECT
 
 public:
-    explicit Impl(StreamingBox* q)
-        : q(q)
+    explicit Impl(StreamingBox* owner)
+        : q(owner)
     {}
 
     // The box's current binding, for one use.

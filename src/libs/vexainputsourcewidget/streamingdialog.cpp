@@ -68,8 +68,8 @@ public Q_SLOTS:
     bool onUrlEditingFinished();
 };
 
-StreamingDialog::Impl::Impl(StreamingDialog* q)
-    : q(q)
+StreamingDialog::Impl::Impl(StreamingDialog* owner)
+    : q(owner)
 {}
 
 void StreamingDialog::Impl::build()

@@ -53,9 +53,9 @@ public Q_SLOTS:
     void onEditingFinished();
 };
 
-TabItemWidget::Impl::Impl(TabItemWidget* q, int tabIndex)
-    : q(q)
-    , tabIndex(tabIndex)
+TabItemWidget::Impl::Impl(TabItemWidget* owner, int index)
+    : q(owner)
+    , tabIndex(index)
 {}
 
 void TabItemWidget::Impl::build()

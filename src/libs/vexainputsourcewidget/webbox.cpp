@@ -52,8 +52,8 @@ class WebBox::Impl : public QObject
     Q_OBJECT
 
 public:
-    explicit Impl(WebBox* q)
-        : q(q)
+    explicit Impl(WebBox* owner)
+        : q(owner)
         , dialogAlive(dialog)
     {}
     ~Impl() override;
@@ -107,11 +107,11 @@ STWebDescription WebBox::Impl::newPage(IInputSourceMgr& mgr) const
     const QString prefix = trKey("WebPage");
     STWebDescription description;
     description.name =
-        (prefix + QString::number(zqctuils::IndexGenerator::generateIndex(names, prefix)))
+        QString(prefix + QString::number(zqctuils::IndexGenerator::generateIndex(names, prefix)))
             .toStdString();
     description.webName = description.name;
     STWebTab tab;
-    tab.name = (trKey("WebTab") + QStringLiteral("1")).toStdString();
+    tab.name = QString(trKey("WebTab") + QLatin1Char('1')).toStdString();
     tab.url = dialog->homePageFor(languageCode).toStdString();
     tab.tabIndex = 1;
     description.address = tab.url;

@@ -154,8 +154,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 };
 
-WebDialog::Impl::Impl(WebDialog* q)
-    : q(q)
+WebDialog::Impl::Impl(WebDialog* owner)
+    : q(owner)
 {
     // Changed descriptions and notices arrive here from the runtime thread.
     QueuedHandoff::watch(this);

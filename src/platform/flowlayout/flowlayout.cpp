@@ -26,10 +26,10 @@ struct ShownItem
 
 struct FlowLayout::Impl
 {
-    Impl(FlowLayout* owner, int hSpacing, int vSpacing)
+    Impl(FlowLayout* owner, int horizontal, int vertical)
         : q(owner)
-        , hSpacing(hSpacing)
-        , vSpacing(vSpacing)
+        , hSpacing(horizontal)
+        , vSpacing(vertical)
     {}
 
     // The items' widgets lie scattered in memory, and with thousands of tiles reading them

@@ -7,9 +7,9 @@ namespace vexa::layout {
 
 struct FloatingItemWidget::Impl
 {
-    Impl(FloatingItemWidget* owner, const QString& id)
+    Impl(FloatingItemWidget* owner, const QString& panelId)
         : q(owner)
-        , id(id)
+        , id(panelId)
     {}
 
     // A QDockWidget draws its own title and does not look at its widget's, so the panel hands

@@ -55,12 +55,12 @@ std::size_t byteCount(int height, int stride)
 
 struct RgbaFrame::Impl
 {
-    Impl(int width, int height, double frameRate, int stride)
-        : width(width)
-        , height(height)
-        , stride(stride)
-        , frameRate(frameRate)
-        , buffer(std::make_shared<OwnedFrameBuffer>(byteCount(height, stride), stride))
+    Impl(int frameWidth, int frameHeight, double rate, int lineStride)
+        : width(frameWidth)
+        , height(frameHeight)
+        , stride(lineStride)
+        , frameRate(rate)
+        , buffer(std::make_shared<OwnedFrameBuffer>(byteCount(frameHeight, lineStride), lineStride))
     {}
 
     const int width;

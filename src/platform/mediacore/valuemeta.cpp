@@ -7,8 +7,8 @@ namespace zq::mediacore {
 
 struct ValueMeta::Impl
 {
-    explicit Impl(MetaValues values)
-        : values(std::move(values))
+    explicit Impl(MetaValues initial)
+        : values(std::move(initial))
     {}
 
     mutable std::mutex mutex;

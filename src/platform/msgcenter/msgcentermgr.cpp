@@ -10,8 +10,8 @@ namespace quandel::msgcenter {
 
 struct MsgCenterMgr::Impl
 {
-    explicit Impl(int capacity)
-        : capacity(static_cast<std::size_t>(std::max(1, capacity)))
+    explicit Impl(int maxMessages)
+        : capacity(static_cast<std::size_t>(std::max(1, maxMessages)))
     {}
 
     // Ids are handed out under the same lock as the insertion, so the container stays sorted

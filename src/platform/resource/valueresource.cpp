@@ -7,10 +7,10 @@ namespace quandel::resource {
 
 struct ValueResource::Impl
 {
-    Impl(uint64_t id, EnResourceType type, std::string name)
-        : id(id)
-        , type(type)
-        , name(std::move(name))
+    Impl(uint64_t resourceId, EnResourceType resourceType, std::string resourceName)
+        : id(resourceId)
+        , type(resourceType)
+        , name(std::move(resourceName))
     {}
 
     // Never change after construction, so they are read without the lock.

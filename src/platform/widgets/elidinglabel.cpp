@@ -10,8 +10,8 @@ namespace vexa::widgets {
 
 struct ElidingLabel::Impl
 {
-    explicit Impl(ElidingLabel* q)
-        : q(q)
+    explicit Impl(ElidingLabel* owner)
+        : q(owner)
     {}
 
     QString shownText() const

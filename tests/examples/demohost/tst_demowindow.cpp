@@ -529,7 +529,7 @@ void TestDemoWindow::addingAWebPageWithThreeTabsCreatesATile()
     QCOMPARE(tabs.size(), std::size_t(3));
     // The proposed tab shows the home page of the language the window started in.
     const std::string home = pages->dialog()->homePageFor(QStringLiteral("zh_CN")).toStdString();
-    QCOMPARE(tabs[0].name, (text("WebTab") + QStringLiteral("1")).toStdString());
+    QCOMPARE(tabs[0].name, QString(text("WebTab") + QLatin1Char('1')).toStdString());
     QCOMPARE(tabs[0].url, home);
     QCOMPARE(tabs[1].name, std::string("Ticker"));
     QCOMPARE(tabs[2].url, std::string("https://news.example.org/ticker"));

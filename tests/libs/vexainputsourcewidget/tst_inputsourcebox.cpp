@@ -475,7 +475,8 @@ void TestInputSourceBox::translateLanguageRefreshesHeaderAndTiles()
     QCOMPARE(addButton(bound.box)->toolTip(), chineseAdd);
     // The switch is checked (preview off), so it offers to enable.
     QCOMPARE(previewSwitch(bound.box)->toolTip(), trKey("EnablePreview"));
-    const QString chineseCaption = bound.tile(1)->findChild<QLabel*>("captionLabel")->text();
+    const QString chineseCaption =
+        bound.tile(1)->findChild<QLabel*>(QStringLiteral("captionLabel"))->text();
     QCOMPARE(translated.count(), 1);
 
     switchLanguage("en_US");
@@ -484,7 +485,8 @@ void TestInputSourceBox::translateLanguageRefreshesHeaderAndTiles()
     QCOMPARE(addButton(bound.box)->toolTip(), trKey("Add"));
     QVERIFY(trKey("Add") != chineseAdd);
     QCOMPARE(previewSwitch(bound.box)->toolTip(), trKey("DisablePreview"));
-    QVERIFY(bound.tile(1)->findChild<QLabel*>("captionLabel")->text() != chineseCaption);
+    QVERIFY(bound.tile(1)->findChild<QLabel*>(QStringLiteral("captionLabel"))->text() !=
+            chineseCaption);
     QCOMPARE(translated.count(), 2);
 }
 

@@ -103,7 +103,8 @@ QString runningTimeText(int seconds)
 int shownSeconds(const InputSourceItem& tile)
 {
     const auto* const label = tile.findChild<QLabel*>(QStringLiteral("duration"));
-    const QStringList parts = label == nullptr ? QStringList() : label->text().split(':');
+    const QStringList parts =
+        label == nullptr ? QStringList() : label->text().split(QLatin1Char(':'));
     if (parts.size() != 3) {
         return -1;
     }
@@ -473,11 +474,10 @@ void TestInputSourceBoxStress::notificationsAndFramesTogether()
         }
         times[id] = finalSecondsBase + static_cast<int>(id) * 100;
     }
-    mgr->fireOnRuntime([&online](FakeInputSourceMgr& manager) {
-        manager.signalOnlineStatusChanged(online, streamType);
+    mgr->fireOnRuntime([&online](FakeInputSourceMgr& fake) {
+        fake.signalOnlineStatusChanged(online, streamType);
     });
-    mgr->fireOnRuntime(
-        [&times](FakeInputSourceMgr& manager) { manager.signalOnlineTimeUpdated(times); });
+    mgr->fireOnRuntime([&times](FakeInputSourceMgr& fake) { fake.signalOnlineTimeUpdated(times); });
     for (const auto& entry : expected) {
         const uint64_t id = entry.first;
         const int sent = times[id];

@@ -483,8 +483,8 @@ void TestInputSourceItem::kindSpecificSetUp_data()
     QTest::newRow("ndi") << ndiKind << "thumbnail_ndi" << common << false << false;
     QTest::newRow("capture") << captureKind << "thumbnail_capture"
                              << QStringList{QStringLiteral("Rename")} << true << false;
-    QTest::newRow("web") << webKind << "thumbnail_web" << (common + QStringList{"Edit"}) << false
-                         << true;
+    QTest::newRow("web") << webKind << "thumbnail_web"
+                         << (common + QStringList{QStringLiteral("Edit")}) << false << true;
     QTest::newRow("stream") << streamKind << "thumbnail_streaming" << common << false << false;
     QTest::newRow("other") << 3 << "thumbnail_streaming" << common << false << false;
 }
@@ -766,40 +766,54 @@ void TestInputSourceItem::toolTipRows_data()
     const auto nothing = [](InputSourceItem&) {};
     QTest::newRow("stream without resolution") << streamKind << Prepare([](InputSourceItem& tile) {
         tile.setUrl(QStringLiteral("rtsp://cam/1"));
-    }) << QStringList{"Url", "rtsp://cam/1", "Dpi", "", "Fps", ""};
+    }) << QStringList{QStringLiteral("Url"), QStringLiteral("rtsp://cam/1"), QStringLiteral("Dpi"),
+                      QStringLiteral(""),    QStringLiteral("Fps"),          QStringLiteral("")};
     QTest::newRow("stream with resolution") << streamKind << Prepare([](InputSourceItem& tile) {
         tile.setOnline(true);
         tile.setResolution(QStringLiteral("1920*1080"), QStringLiteral("25"));
-    }) << QStringList{"Url", "", "Dpi", "1920*1080", "Fps", "25fps"};
+    }) << QStringList{QStringLiteral("Url"),       QStringLiteral(""),    QStringLiteral("Dpi"),
+                      QStringLiteral("1920*1080"), QStringLiteral("Fps"), QStringLiteral("25fps")};
     QTest::newRow("ndi") << ndiKind << Prepare([](InputSourceItem& tile) {
         tile.setUrl(QStringLiteral("10.0.0.7"));
         tile.setOnline(true);
         tile.setResolution(QStringLiteral("1280*720"), QStringLiteral("50"));
-    }) << QStringList{"Url", "10.0.0.7", "Dpi", "1280*720", "Fps", "50fps"};
+    }) << QStringList{QStringLiteral("Url"), QStringLiteral("10.0.0.7"),
+                      QStringLiteral("Dpi"), QStringLiteral("1280*720"),
+                      QStringLiteral("Fps"), QStringLiteral("50fps")};
     QTest::newRow("web native") << webKind << Prepare([](InputSourceItem& tile) {
         tile.setName(QStringLiteral("News"));
         tile.setUrl(QStringLiteral("https://news"));
         tile.setWebMode(0);
         tile.setResolution(QStringLiteral("1280*720"), QStringLiteral("30"));
-    }) << QStringList{"Name", "News", "Url", "https://news"};
+    })
+                                << QStringList{QStringLiteral("Name"), QStringLiteral("News"),
+                                               QStringLiteral("Url"),
+                                               QStringLiteral("https://news")};
     QTest::newRow("web screenshot") << webKind << Prepare([](InputSourceItem& tile) {
         tile.setName(QStringLiteral("News"));
         tile.setUrl(QStringLiteral("https://news"));
         tile.setWebMode(1);
         tile.setResolution(QStringLiteral("1,280*720"), QStringLiteral("30"));
-    }) << QStringList{"Name", "News", "Url", "https://news", "Dpi", "1280*720"};
+    }) << QStringList{QStringLiteral("Name"), QStringLiteral("News"),
+                      QStringLiteral("Url"),  QStringLiteral("https://news"),
+                      QStringLiteral("Dpi"),  QStringLiteral("1280*720")};
     QTest::newRow("capture with empty chooser")
-        << captureKind << Prepare(nothing) << QStringList{"Name", "@caption", "Url", ""};
+        << captureKind << Prepare(nothing)
+        << QStringList{QStringLiteral("Name"), QStringLiteral("@caption"), QStringLiteral("Url"),
+                       QStringLiteral("")};
     QTest::newRow("capture with a resolution entry")
         << captureKind << Prepare([](InputSourceItem& tile) {
                tile.setUrl(QStringLiteral("/dev/video0"));
                tile.setCaptResolutions({{1920, 1080, 59.94f, "NV12"}});
            })
-        << QStringList{"Name", "@caption",  "Url", "/dev/video0",
-                       "Dpi",  "1920*1080", "Fps", "59.94"};
+        << QStringList{QStringLiteral("Name"), QStringLiteral("@caption"),
+                       QStringLiteral("Url"),  QStringLiteral("/dev/video0"),
+                       QStringLiteral("Dpi"),  QStringLiteral("1920*1080"),
+                       QStringLiteral("Fps"),  QStringLiteral("59.94")};
     QTest::newRow("capture whose current entry has no record")
         << captureKind << Prepare([](InputSourceItem& tile) { tile.setResolutionMode(1); })
-        << QStringList{"Name", "@caption", "Url", ""};
+        << QStringList{QStringLiteral("Name"), QStringLiteral("@caption"), QStringLiteral("Url"),
+                       QStringLiteral("")};
 }
 
 void TestInputSourceItem::toolTipRows()
@@ -826,10 +840,14 @@ void TestInputSourceItem::menuOfUnselectedTile_data()
     QTest::addColumn<int>("kind");
     QTest::addColumn<QStringList>("expected");
 
-    QTest::newRow("stream") << streamKind << QStringList{"Rename", "Delete"};
-    QTest::newRow("ndi") << ndiKind << QStringList{"Rename", "Delete"};
-    QTest::newRow("web") << webKind << QStringList{"Rename", "Delete", "Edit"};
-    QTest::newRow("capture has no Delete") << captureKind << QStringList{"Rename"};
+    QTest::newRow("stream") << streamKind
+                            << QStringList{QStringLiteral("Rename"), QStringLiteral("Delete")};
+    QTest::newRow("ndi") << ndiKind
+                         << QStringList{QStringLiteral("Rename"), QStringLiteral("Delete")};
+    QTest::newRow("web") << webKind
+                         << QStringList{QStringLiteral("Rename"), QStringLiteral("Delete"),
+                                        QStringLiteral("Edit")};
+    QTest::newRow("capture has no Delete") << captureKind << QStringList{QStringLiteral("Rename")};
 }
 
 void TestInputSourceItem::menuOfUnselectedTile()
@@ -1083,10 +1101,11 @@ void TestInputSourceItem::setResolution_data()
     QTest::newRow("mode 1 replaces the chooser")
         << captureKind << true << 1 << "3840*2160"
         << "30"
-        << "3840*2160@30fps" << QStringList{"3840*2160@30fps"};
-    QTest::newRow("mode 1 offline keeps the chooser") << captureKind << false << 1 << "3840*2160"
-                                                      << "30"
-                                                      << "--" << QStringList{"1920*1080@60"};
+        << "3840*2160@30fps" << QStringList{QStringLiteral("3840*2160@30fps")};
+    QTest::newRow("mode 1 offline keeps the chooser")
+        << captureKind << false << 1 << "3840*2160"
+        << "30"
+        << "--" << QStringList{QStringLiteral("1920*1080@60")};
     QTest::newRow("mode 0 leaves the chooser") << captureKind << true << 0 << "3840*2160"
                                                << "30"
                                                << "3840*2160@30fps" << QStringList{};
@@ -1383,8 +1402,10 @@ void TestInputSourceItem::dragPayload()
     const MetaQueryResult answer{meta, valid};
     const std::unique_ptr<QMimeData> payload(InputSourceDragPayload::make(id, answer));
 
-    QCOMPARE(payload->formats(),
-             (QStringList{"materialId", "resId", "meta", "webMode", "damaged", "type", "size"}));
+    QCOMPARE(payload->formats(), (QStringList{QStringLiteral("materialId"), QStringLiteral("resId"),
+                                              QStringLiteral("meta"), QStringLiteral("webMode"),
+                                              QStringLiteral("damaged"), QStringLiteral("type"),
+                                              QStringLiteral("size")}));
     QCOMPARE(payload->data(QStringLiteral("materialId")), QByteArray("18446744073709551557"));
     QCOMPARE(payload->data(QStringLiteral("resId")), QByteArray("18446744073709551557"));
 

@@ -374,7 +374,8 @@ void TestInputSourceWidget::buildsTheScrollAreaBoxesAndMenu()
             made << boxes.nameOf(child);
         }
     }
-    QCOMPARE(made, (QStringList{"stream", "capture", "ndi", "web"}));
+    QCOMPARE(made, (QStringList{QStringLiteral("stream"), QStringLiteral("capture"),
+                                QStringLiteral("ndi"), QStringLiteral("web")}));
 
     auto* const layout = qobject_cast<QVBoxLayout*>(container->layout());
     QVERIFY(layout != nullptr);
@@ -385,7 +386,8 @@ void TestInputSourceWidget::buildsTheScrollAreaBoxesAndMenu()
     for (int index = 0; index < 4; ++index) {
         shown << boxes.nameOf(layout->itemAt(index)->widget());
     }
-    QCOMPARE(shown, (QStringList{"capture", "stream", "ndi", "web"}));
+    QCOMPARE(shown, (QStringList{QStringLiteral("capture"), QStringLiteral("stream"),
+                                 QStringLiteral("ndi"), QStringLiteral("web")}));
     QWidget* const stretch = layout->itemAt(4)->widget();
     QVERIFY(stretch != nullptr);
     QVERIFY(qobject_cast<InputSourceBox*>(stretch) == nullptr);
@@ -398,8 +400,9 @@ void TestInputSourceWidget::buildsTheScrollAreaBoxesAndMenu()
     for (QAction* const action : menu->actions()) {
         actions << action->objectName();
     }
-    QCOMPARE(actions, (QStringList{"addStreamingAction", "addNdiAction", "addWebAction",
-                                   "clearInputSourceAction"}));
+    QCOMPARE(actions, (QStringList{QStringLiteral("addStreamingAction"),
+                                   QStringLiteral("addNdiAction"), QStringLiteral("addWebAction"),
+                                   QStringLiteral("clearInputSourceAction")}));
 }
 
 void TestInputSourceWidget::selectionIsExclusiveAcrossBoxes()
@@ -446,9 +449,10 @@ void TestInputSourceWidget::selectionWithoutSenderWarns()
 void TestInputSourceWidget::clearAllLeftWithoutConfirmingTouchesNothing_data()
 {
     QTest::addColumn<QStringList>("answer");
-    QTest::newRow("cancel") << QStringList{"secondBtn"};
-    QTest::newRow("cancel with the check box") << QStringList{"checkBox", "secondBtn"};
-    QTest::newRow("closed") << QStringList{"closeBtn"};
+    QTest::newRow("cancel") << QStringList{QStringLiteral("secondBtn")};
+    QTest::newRow("cancel with the check box")
+        << QStringList{QStringLiteral("checkBox"), QStringLiteral("secondBtn")};
+    QTest::newRow("closed") << QStringList{QStringLiteral("closeBtn")};
 }
 
 void TestInputSourceWidget::clearAllLeftWithoutConfirmingTouchesNothing()
@@ -616,7 +620,9 @@ void TestInputSourceWidget::bindingFansOutInOrderThenSendsTheStreamingText()
     }
     hookStreamingText(*mgr, log);
     panel.setInputSourceMgr(mgr);
-    QCOMPARE(log.read(), (QStringList{"ndi", "capture", "stream", "web", "setStreamingText"}));
+    QCOMPARE(log.read(), (QStringList{QStringLiteral("ndi"), QStringLiteral("capture"),
+                                      QStringLiteral("stream"), QStringLiteral("web"),
+                                      QStringLiteral("setStreamingText")}));
 
     const auto calls = mgr->callsOf("setStreamingText");
     QCOMPARE(calls.size(), std::size_t{1});
@@ -638,7 +644,8 @@ void TestInputSourceWidget::unbindingFansOutInOrder()
                 [&log, name = bound.boxes.nameOf(box)] { log << name; });
     }
     bound.panel.unsetInputSourceMgr();
-    QCOMPARE(log, (QStringList{"ndi", "capture", "stream", "web"}));
+    QCOMPARE(log, (QStringList{QStringLiteral("ndi"), QStringLiteral("capture"),
+                               QStringLiteral("stream"), QStringLiteral("web")}));
     for (InputSourceBox* const box : bound.boxes.all()) {
         QVERIFY(box->inputSourceMgr().expired());
     }
@@ -714,7 +721,8 @@ void TestInputSourceWidget::recoverPreviewTurnsEveryBoxOffInOrder()
                 [&log, name = bound.boxes.nameOf(box)] { log << name; });
     }
     bound.panel.recoverPreview();
-    QCOMPARE(log, (QStringList{"stream", "capture", "web", "ndi"}));
+    QCOMPARE(log, (QStringList{QStringLiteral("stream"), QStringLiteral("capture"),
+                               QStringLiteral("web"), QStringLiteral("ndi")}));
     for (InputSourceBox* const box : bound.boxes.all()) {
         QVERIFY(box->findChild<QPushButton*>(QStringLiteral("boxPreviewButton"))->isChecked());
     }
@@ -766,8 +774,9 @@ void TestInputSourceWidget::translateLanguageRunsItsStepsInOrder()
     }
     hookStreamingText(*bound.mgr, log);
     bound.panel.translateLanguage();
-    QCOMPARE(log.read(),
-             (QStringList{"stream+", "capture+", "web+", "ndi++web", "setStreamingText"}));
+    QCOMPARE(log.read(), (QStringList{QStringLiteral("stream+"), QStringLiteral("capture+"),
+                                      QStringLiteral("web+"), QStringLiteral("ndi++web"),
+                                      QStringLiteral("setStreamingText")}));
     QCOMPARE(std::get<0>(bound.mgr->lastArguments<std::string>("setStreamingText")),
              trKey("Streaming").toStdString());
     QVERIFY(bound.mgr->callsOf("setStreamingText").back().onRuntimeThread);
@@ -1048,8 +1057,11 @@ void TestInputSourceWidget::tabWalksTheBoxesInTheOrderShown()
         }
         return visited;
     };
-    QCOMPARE(walk(Qt::Key_Tab), (QStringList{"capture", "stream", "ndi", "web"}));
-    QCOMPARE(walk(Qt::Key_Backtab), (QStringList{"capture", "web", "ndi", "stream", "capture"}));
+    QCOMPARE(walk(Qt::Key_Tab), (QStringList{QStringLiteral("capture"), QStringLiteral("stream"),
+                                             QStringLiteral("ndi"), QStringLiteral("web")}));
+    QCOMPARE(walk(Qt::Key_Backtab),
+             (QStringList{QStringLiteral("capture"), QStringLiteral("web"), QStringLiteral("ndi"),
+                          QStringLiteral("stream"), QStringLiteral("capture")}));
 }
 
 QTEST_MAIN(TestInputSourceWidget)

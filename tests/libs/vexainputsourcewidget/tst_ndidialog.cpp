@@ -393,7 +393,7 @@ void TestNdiDialog::longSenderNameStaysWholeAndEditable()
     bound.tabOn(0);
     QCOMPARE(
         std::get<0>(bound.mgr->lastArguments<STResourceRenamedModel>("renameNdiReceiver")).name,
-        (longName + QStringLiteral("b")).toStdString());
+        QString(longName + QLatin1Char('b')).toStdString());
 }
 
 void TestNdiDialog::withoutAManagerEveryPathWarns()

@@ -14,7 +14,7 @@ class TestWarning : public QObject
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void logsCStringWithCallSite();
     void logsQStringWithCallSite();
     void keepsTextExactly();

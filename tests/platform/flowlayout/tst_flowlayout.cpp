@@ -92,10 +92,10 @@ constexpr int heightOfRows(int rows)
 class SpacingStyle : public QProxyStyle
 {
 public:
-    SpacingStyle(int horizontalMetric, int verticalMetric)
+    SpacingStyle(int horizontal, int vertical)
         : QProxyStyle(QStringLiteral("fusion"))
-        , horizontalMetric(horizontalMetric)
-        , verticalMetric(verticalMetric)
+        , horizontalMetric(horizontal)
+        , verticalMetric(vertical)
     {}
 
     int pixelMetric(PixelMetric metric, const QStyleOption* option,
@@ -128,9 +128,9 @@ public:
 class TrackedSpacer : public QSpacerItem
 {
 public:
-    explicit TrackedSpacer(bool* deleted)
+    explicit TrackedSpacer(bool* deletedFlag)
         : QSpacerItem(10, 10)
-        , deleted(deleted)
+        , deleted(deletedFlag)
     {}
     ~TrackedSpacer() override { *deleted = true; }
 
@@ -140,8 +140,8 @@ public:
 class HintedWidget : public QWidget
 {
 public:
-    HintedWidget(QSize hint, QSize minimum)
-        : hint(hint)
+    HintedWidget(QSize size, QSize minimum)
+        : hint(size)
     {
         setMinimumSize(minimum);
     }
@@ -155,8 +155,8 @@ public:
 class GrowingNeighbourWidget : public QWidget
 {
 public:
-    explicit GrowingNeighbourWidget(QWidget* neighbour)
-        : neighbour(neighbour)
+    explicit GrowingNeighbourWidget(QWidget* other)
+        : neighbour(other)
     {
         setFixedSize(kItemWidth, kItemHeight);
     }

@@ -39,7 +39,7 @@ class TestRgbaFrame : public QObject
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void reportsItsGeometry();
     void answersThroughTheInterface();
     void defaultsTheStrideToFourBytesPerPixel();

@@ -24,7 +24,7 @@ class TestThumbnail : public QObject
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void isEmptyByDefault();
     void validity_data();
     void validity();

@@ -112,7 +112,7 @@ class TestValueMeta : public QObject
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void reportsTheDefaultsWhenGivenNothing();
     void reportsEveryFieldThroughItsGetter();
     void returnsACopyOfItsValues();

@@ -8,7 +8,7 @@ class TestWebTab : public QObject
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void isEmptyByDefault();
     void equalsItsCopy();
     void differsInAnyField();

@@ -122,9 +122,9 @@ void TestMsgCenterMgr::idsCountUpFromOne()
 {
     MsgCenterMgr centre;
     QSignalSpy posted(&centre, &MsgCenterMgr::messagePosted);
-    centre.postMessage(textMessage("a"));
-    centre.postMessage(textMessage("b"));
-    centre.postMessage(textMessage("c"));
+    centre.postMessage(textMessage(QStringLiteral("a")));
+    centre.postMessage(textMessage(QStringLiteral("b")));
+    centre.postMessage(textMessage(QStringLiteral("c")));
 
     QCOMPARE(spiedIds(posted), QList<quint64>({1, 2, 3}));
     const QVector<PostedMessage> kept = centre.messages();
@@ -141,7 +141,7 @@ void TestMsgCenterMgr::usableThroughTheInterface()
 {
     MsgCenterMgr centre;
     IMsgCenterMgr* host = &centre;
-    host->postMessage(textMessage("through the interface"));
+    host->postMessage(textMessage(QStringLiteral("through the interface")));
     QCOMPARE(centre.messages().size(), 1);
     QCOMPARE(centre.messages().at(0).message.text, QStringLiteral("through the interface"));
 }
@@ -163,8 +163,10 @@ void TestMsgCenterMgr::capacityDropsTheOldest()
     QCOMPARE(keptIds(centre), QList<quint64>({3, 4, 5}));
     QCOMPARE(centre.messages().at(0).message.text, QStringLiteral("3"));
     QCOMPARE(spiedIds(removed), QList<quint64>({1, 2}));
-    QCOMPARE(events, QStringList({"posted 1", "posted 2", "posted 3", "removed 1", "posted 4",
-                                  "removed 2", "posted 5"}));
+    QCOMPARE(events, QStringList({QStringLiteral("posted 1"), QStringLiteral("posted 2"),
+                                  QStringLiteral("posted 3"), QStringLiteral("removed 1"),
+                                  QStringLiteral("posted 4"), QStringLiteral("removed 2"),
+                                  QStringLiteral("posted 5")}));
     QVERIFY(!centre.message(1).has_value());
     QVERIFY(!centre.triggerAction(1));
 }
@@ -173,9 +175,9 @@ void TestMsgCenterMgr::capacityIsAtLeastOne()
 {
     MsgCenterMgr centre(0);
     QSignalSpy removed(&centre, &MsgCenterMgr::messageRemoved);
-    centre.postMessage(textMessage("first"));
+    centre.postMessage(textMessage(QStringLiteral("first")));
     QCOMPARE(keptIds(centre), QList<quint64>({1}));
-    centre.postMessage(textMessage("second"));
+    centre.postMessage(textMessage(QStringLiteral("second")));
     QCOMPARE(keptIds(centre), QList<quint64>({2}));
     QCOMPARE(spiedIds(removed), QList<quint64>({1}));
 }
@@ -184,7 +186,7 @@ void TestMsgCenterMgr::triggerActionRunsTheCallbackOnTheCallingThread()
 {
     MsgCenterMgr centre;
     std::vector<std::thread::id> callers;
-    STMessage message = textMessage("Source lost");
+    STMessage message = textMessage(QStringLiteral("Source lost"));
     message.action.label = QStringLiteral("Retry");
     message.action.callback = [&callers] { callers.push_back(std::this_thread::get_id()); };
     centre.postMessage(message);
@@ -211,12 +213,12 @@ void TestMsgCenterMgr::triggerActionRunsTheCallbackOnTheCallingThread()
 void TestMsgCenterMgr::triggerActionWithoutCallback()
 {
     MsgCenterMgr centre;
-    centre.postMessage(textMessage("no action"));
-    STMessage labelOnly = textMessage("label only");
+    centre.postMessage(textMessage(QStringLiteral("no action")));
+    STMessage labelOnly = textMessage(QStringLiteral("label only"));
     labelOnly.action.label = QStringLiteral("Open");
     centre.postMessage(labelOnly);
     int calls = 0;
-    STMessage withAction = textMessage("with action");
+    STMessage withAction = textMessage(QStringLiteral("with action"));
     withAction.action.callback = [&calls] { ++calls; };
     centre.postMessage(withAction);
 
@@ -233,11 +235,11 @@ void TestMsgCenterMgr::triggerActionWithoutCallback()
 void TestMsgCenterMgr::actionMayCallBackIntoTheCentre()
 {
     MsgCenterMgr centre;
-    STMessage message = textMessage("Update available");
+    STMessage message = textMessage(QStringLiteral("Update available"));
     message.action.label = QStringLiteral("Install");
     message.action.callback = [&centre] {
         centre.dismiss(1);
-        centre.postMessage(textMessage("Installing"));
+        centre.postMessage(textMessage(QStringLiteral("Installing")));
     };
     centre.postMessage(message);
 
@@ -261,9 +263,9 @@ void TestMsgCenterMgr::directSlotMayCallBackIntoTheCentre()
         &centre, &MsgCenterMgr::messageRemoved, this,
         [&](quint64 id) { QVERIFY(!centre.message(id).has_value()); }, Qt::DirectConnection);
 
-    centre.postMessage(textMessage("a"));
-    centre.postMessage(textMessage("b"));
-    centre.postMessage(textMessage("c"));
+    centre.postMessage(textMessage(QStringLiteral("a")));
+    centre.postMessage(textMessage(QStringLiteral("b")));
+    centre.postMessage(textMessage(QStringLiteral("c")));
     QCOMPARE(sizesSeen, QList<int>({1, 2, 2}));
 }
 
@@ -309,7 +311,7 @@ void TestMsgCenterMgr::clearRemovesEveryMessage()
     centre.clear();
     QCOMPARE(removed.count(), 2);
 
-    centre.postMessage(textMessage("after clear"));
+    centre.postMessage(textMessage(QStringLiteral("after clear")));
     QCOMPARE(posted.last().at(0).value<quint64>(), quint64(4));
     QCOMPARE(keptIds(centre), QList<quint64>({4}));
 }

@@ -25,7 +25,7 @@ class TestCaptResolutionsInfo : public QObject
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void isEmptyByDefault();
     void equalsItsCopy();
     void defaultsAreEqual();

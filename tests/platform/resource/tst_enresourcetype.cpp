@@ -19,7 +19,7 @@ class TestEnResourceType : public QObject
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void namedKindsHaveTheHostsCodes_data();
     void namedKindsHaveTheHostsCodes();
     void hostKindsRoundTrip_data();

@@ -11,7 +11,7 @@ class TestSTResouceExtracted : public QObject
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void reportsNothingByDefault();
     void carriesAFailure();
     void carriesASuccess();

@@ -48,7 +48,7 @@ class TestValueResource : public QObject
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void reportsItsIdentity();
     void keepsUtf8NamesUnchanged();
     void answersThroughTheInterface();

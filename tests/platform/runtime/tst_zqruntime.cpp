@@ -116,7 +116,7 @@ class TestZQRuntime : public QObject
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void runsTasksInPostingOrder();
     void keepsEachPostersOrder();
     void runsEveryTaskOnOneOtherThread();

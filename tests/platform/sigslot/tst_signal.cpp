@@ -64,7 +64,7 @@ class TestSignal : public QObject
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void connectsLambda();
     void connectsMemberFunctionOfRawPointer();
     void connectsMemberFunctionOfSharedPointer();

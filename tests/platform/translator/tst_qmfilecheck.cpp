@@ -217,14 +217,15 @@ void TestQmFileCheck::nullTranslationIsValid()
 
 void TestQmFileCheck::dependenciesAreListed()
 {
-    const QByteArray names = be32(8) + utf16(QStringLiteral("base")) + be32(4) + utf16("fr");
+    const QByteArray names =
+        be32(8) + utf16(QStringLiteral("base")) + be32(4) + utf16(QStringLiteral("fr"));
     const QmFileCheck check(file({language(), block(0x96, names)}));
     QVERIFY2(check.isValid(), qPrintable(check.problem()));
-    QCOMPARE(check.dependencies(), QStringList({"base", "fr"}));
+    QCOMPARE(check.dependencies(), QStringList({QStringLiteral("base"), QStringLiteral("fr")}));
 
     const QmFileCheck compiled(contentsOf(testFile("dependency.qm")));
     QVERIFY2(compiled.isValid(), qPrintable(compiled.problem()));
-    QCOMPARE(compiled.dependencies(), QStringList({"base_fr"}));
+    QCOMPARE(compiled.dependencies(), QStringList({QStringLiteral("base_fr")}));
 }
 
 void TestQmFileCheck::notACompiledFile_data()
@@ -368,7 +369,7 @@ void TestQmFileCheck::malformedFile_data()
     QTest::newRow("dependency length cut off") << file({block(0x96, QByteArray::fromHex("0000"))})
                                                << "dependency name length at offset 21 cut off";
     QTest::newRow("dependency too long")
-        << file({block(0x96, be32(40) + utf16("fr"))})
+        << file({block(0x96, be32(40) + utf16(QStringLiteral("fr")))})
         << "dependency name at offset 21 is 40 bytes long; 4 bytes left, an even count needed";
     QTest::newRow("dependency odd") << file({block(0x96, be32(3) + "abc")})
                                     << "dependency name at offset 21 is 3 bytes long; 3 bytes "

@@ -197,7 +197,8 @@ void TestTranslator::switchingChangesTexts()
     Translator translator;
     QVERIFY(translator.load(qmFile("en_US.qm")));
     QVERIFY(translator.load(qmFile("zh_CN.qm")));
-    QCOMPARE(translator.languages(), QStringList({"en_US", "zh_CN"}));
+    QCOMPARE(translator.languages(),
+             QStringList({QStringLiteral("en_US"), QStringLiteral("zh_CN")}));
 
     translator.switchLanguage(QStringLiteral("en_US"));
     QCOMPARE(translator.currentLanguage(), QStringLiteral("en_US"));
@@ -218,7 +219,7 @@ void TestTranslator::languageComesFromTheFileNotItsName()
 {
     Translator translator;
     QVERIFY(translator.load(qmFile("second.qm")));
-    QCOMPARE(translator.languages(), QStringList({"zh_TW"}));
+    QCOMPARE(translator.languages(), QStringList({QStringLiteral("zh_TW")}));
 
     translator.switchLanguage(QStringLiteral("second"));
     QVERIFY(translator.lookup("InputSource", "Widget", "Add").isNull());
@@ -285,7 +286,7 @@ void TestTranslator::laterFileOfALanguageIsConsultedAfterEarlierOnes()
     Translator translator;
     QVERIFY(translator.load(qmFile("zh_CN.qm")));
     QVERIFY(translator.load(qmFile("more.qm")));
-    QCOMPARE(translator.languages(), QStringList({"zh_CN"}));
+    QCOMPARE(translator.languages(), QStringList({QStringLiteral("zh_CN")}));
 
     translator.switchLanguage(QStringLiteral("zh_CN"));
     QCOMPARE(translator.lookup("InputSource", "Widget", "Add"), QStringLiteral("添加来源"));
@@ -306,7 +307,8 @@ void TestTranslator::filesAreConsultedInLoadOrder()
 void TestTranslator::missingFileIsRefused()
 {
     Translator translator;
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("cannot read language file"));
+    QTest::ignoreMessage(QtWarningMsg,
+                         QRegularExpression(QStringLiteral("cannot read language file")));
     QVERIFY(!translator.load(qmFile("absent_en_US.qm")));
     QVERIFY(translator.languages().isEmpty());
 }
@@ -314,7 +316,7 @@ void TestTranslator::missingFileIsRefused()
 void TestTranslator::fileWithoutLanguageIsRefused()
 {
     Translator translator;
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("records no language"));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("records no language")));
     QVERIFY(!translator.load(qmFile("nolanguage.qm")));
     QVERIFY(translator.languages().isEmpty());
 
@@ -330,7 +332,8 @@ void TestTranslator::fileThatIsNotCompiledIsRefused()
     file.close();
 
     Translator translator;
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("is not a compiled language file"));
+    QTest::ignoreMessage(QtWarningMsg,
+                         QRegularExpression(QStringLiteral("is not a compiled language file")));
     QVERIFY(!translator.load(file.fileName()));
     QVERIFY(translator.languages().isEmpty());
 }
@@ -369,9 +372,11 @@ void TestTranslator::concurrentLookupsWhileSwitching()
     QVERIFY(translator.load(qmFile("zh_CN.qm")));
     QVERIFY(translator.load(qmFile("second.qm")));
 
-    const QStringList codes{"en_US", "zh_CN", "zh_TW", "fr_FR"};
+    const QStringList codes{QStringLiteral("en_US"), QStringLiteral("zh_CN"),
+                            QStringLiteral("zh_TW"), QStringLiteral("fr_FR")};
     const QSet<QString> validCodes(codes.begin(), codes.end());
-    const QSet<QString> validTexts{"Add source", "添加来源", "新增來源", "Add"};
+    const QSet<QString> validTexts{QStringLiteral("Add source"), QStringLiteral("添加来源"),
+                                   QStringLiteral("新增來源"), QStringLiteral("Add")};
     constexpr int readerCount = 4;
     constexpr int lookupsPerReader = 2000;
     std::atomic<int> readersDone{0};
@@ -417,7 +422,7 @@ void TestTranslator::concurrentLookupsWhileLoading()
     QVERIFY(translator.load(qmFile("zh_CN.qm")));
     translator.switchLanguage(QStringLiteral("zh_CN"));
 
-    const QSet<QString> validTexts{"Rename", "重命名来源"};
+    const QSet<QString> validTexts{QStringLiteral("Rename"), QStringLiteral("重命名来源")};
     std::atomic<bool> loaded{false};
     std::atomic<bool> loadResult{false};
     std::atomic<int> invalid{0};
@@ -445,7 +450,8 @@ void TestTranslator::concurrentLookupsWhileLoading()
 
     QVERIFY(loadResult.load());
     QCOMPARE(invalid.load(), 0);
-    QCOMPARE(translator.languages(), QStringList({"zh_CN", "zh_TW"}));
+    QCOMPARE(translator.languages(),
+             QStringList({QStringLiteral("zh_CN"), QStringLiteral("zh_TW")}));
     QCOMPARE(translate(translator, "InputSource", "Widget", "Rename"),
              QStringLiteral("重命名来源"));
 }
@@ -473,7 +479,7 @@ void TestTranslator::fileWithACorruptStringLengthIsRefused()
     QVERIFY2(warnings.first().contains(QStringLiteral("malformed")) &&
                  warnings.first().contains(QStringLiteral("source text at offset %1").arg(offset)),
              qPrintable(warnings.first()));
-    QCOMPARE(translator.languages(), QStringList({"en_US"}));
+    QCOMPARE(translator.languages(), QStringList({QStringLiteral("en_US")}));
 
     const std::vector<Key> keys = shippedKeys();
     QVERIFY(!keys.empty());

@@ -25,32 +25,58 @@ void TestIndexGenerator::generateIndex_data()
     const QString web = QStringLiteral("WebPage");
 
     QTest::newRow("empty list") << QStringList() << web << 1;
-    QTest::newRow("first two taken") << QStringList{"WebPage1", "WebPage2"} << web << 3;
-    QTest::newRow("unordered") << QStringList{"WebPage3", "WebPage1", "WebPage2"} << web << 4;
-    QTest::newRow("gap reused") << QStringList{"WebPage1", "WebPage3"} << web << 2;
-    QTest::newRow("first free") << QStringList{"WebPage2", "WebPage3"} << web << 1;
+    QTest::newRow("first two taken")
+        << QStringList{QStringLiteral("WebPage1"), QStringLiteral("WebPage2")} << web << 3;
+    QTest::newRow("unordered") << QStringList{QStringLiteral("WebPage3"),
+                                              QStringLiteral("WebPage1"),
+                                              QStringLiteral("WebPage2")}
+                               << web << 4;
+    QTest::newRow("gap reused") << QStringList{QStringLiteral("WebPage1"),
+                                               QStringLiteral("WebPage3")}
+                                << web << 2;
+    QTest::newRow("first free") << QStringList{QStringLiteral("WebPage2"),
+                                               QStringLiteral("WebPage3")}
+                                << web << 1;
     QTest::newRow("other prefixes ignored")
-        << QStringList{"Camera1", "Camera2", "Media1", "WebPage1"} << web << 2;
-    QTest::newRow("prefix inside a name") << QStringList{"MyWebPage1"} << web << 1;
-    QTest::newRow("leading zero") << QStringList{"WebPage01"} << web << 1;
-    QTest::newRow("zero") << QStringList{"WebPage0", "WebPage1"} << web << 2;
-    QTest::newRow("plus sign") << QStringList{"WebPage+1"} << web << 1;
-    QTest::newRow("minus sign") << QStringList{"WebPage-1"} << web << 1;
-    QTest::newRow("trailing letters") << QStringList{"WebPage2a", "WebPage1"} << web << 2;
-    QTest::newRow("space") << QStringList{"WebPage 1", "WebPage1 "} << web << 1;
+        << QStringList{QStringLiteral("Camera1"), QStringLiteral("Camera2"),
+                       QStringLiteral("Media1"), QStringLiteral("WebPage1")}
+        << web << 2;
+    QTest::newRow("prefix inside a name") << QStringList{QStringLiteral("MyWebPage1")} << web << 1;
+    QTest::newRow("leading zero") << QStringList{QStringLiteral("WebPage01")} << web << 1;
+    QTest::newRow("zero") << QStringList{QStringLiteral("WebPage0"), QStringLiteral("WebPage1")}
+                          << web << 2;
+    QTest::newRow("plus sign") << QStringList{QStringLiteral("WebPage+1")} << web << 1;
+    QTest::newRow("minus sign") << QStringList{QStringLiteral("WebPage-1")} << web << 1;
+    QTest::newRow("trailing letters")
+        << QStringList{QStringLiteral("WebPage2a"), QStringLiteral("WebPage1")} << web << 2;
+    QTest::newRow("space") << QStringList{QStringLiteral("WebPage 1"), QStringLiteral("WebPage1 ")}
+                           << web << 1;
     QTest::newRow("other script digits")
         << QStringList{QStringLiteral("WebPage١")} << web << 1; // ARABIC-INDIC DIGIT ONE
-    QTest::newRow("prefix alone") << QStringList{"WebPage"} << web << 1;
-    QTest::newRow("case-sensitive") << QStringList{"webpage1", "WEBPAGE1"} << web << 1;
-    QTest::newRow("huge number") << QStringList{"WebPage99999999999999999999"} << web << 1;
-    QTest::newRow("int overflow") << QStringList{"WebPage1", "WebPage4294967297"} << web << 2;
-    QTest::newRow("largest int") << QStringList{"WebPage2147483647"} << web << 1;
-    QTest::newRow("duplicates") << QStringList{"WebPage1", "WebPage1", "WebPage1", "WebPage2"}
+    QTest::newRow("prefix alone") << QStringList{QStringLiteral("WebPage")} << web << 1;
+    QTest::newRow("case-sensitive")
+        << QStringList{QStringLiteral("webpage1"), QStringLiteral("WEBPAGE1")} << web << 1;
+    QTest::newRow("huge number") << QStringList{QStringLiteral("WebPage99999999999999999999")}
+                                 << web << 1;
+    QTest::newRow("int overflow") << QStringList{QStringLiteral("WebPage1"),
+                                                 QStringLiteral("WebPage4294967297")}
+                                  << web << 2;
+    QTest::newRow("largest int") << QStringList{QStringLiteral("WebPage2147483647")} << web << 1;
+    QTest::newRow("duplicates") << QStringList{QStringLiteral("WebPage1"),
+                                               QStringLiteral("WebPage1"),
+                                               QStringLiteral("WebPage1"),
+                                               QStringLiteral("WebPage2")}
                                 << web << 3;
     QTest::newRow("duplicates leave gap")
-        << QStringList{"WebPage1", "WebPage1", "WebPage3", "WebPage3"} << web << 2;
-    QTest::newRow("multi-digit") << QStringList{"WebPage10", "WebPage1"} << web << 2;
-    QTest::newRow("empty prefix") << QStringList{"1", "2", "x3"} << QString() << 3;
+        << QStringList{QStringLiteral("WebPage1"), QStringLiteral("WebPage1"),
+                       QStringLiteral("WebPage3"), QStringLiteral("WebPage3")}
+        << web << 2;
+    QTest::newRow("multi-digit") << QStringList{QStringLiteral("WebPage10"),
+                                                QStringLiteral("WebPage1")}
+                                 << web << 2;
+    QTest::newRow("empty prefix") << QStringList{QStringLiteral("1"), QStringLiteral("2"),
+                                                 QStringLiteral("x3")}
+                                  << QString() << 3;
     QTest::newRow("non-ASCII prefix")
         << QStringList{QStringLiteral("网页1"), QStringLiteral("网页2")} << QStringLiteral("网页")
         << 3;
@@ -66,9 +92,11 @@ void TestIndexGenerator::generateIndex()
 
 void TestIndexGenerator::numbersBeyondTheListDoNotMatter()
 {
-    const QStringList names{"WebPage1", "WebPage2", "WebPage5"};
+    const QStringList names{QStringLiteral("WebPage1"), QStringLiteral("WebPage2"),
+                            QStringLiteral("WebPage5")};
     QCOMPARE(IndexGenerator::generateIndex(names, QStringLiteral("WebPage")), 3);
-    const QStringList full{"WebPage1", "WebPage2", "WebPage3", "WebPage5"};
+    const QStringList full{QStringLiteral("WebPage1"), QStringLiteral("WebPage2"),
+                           QStringLiteral("WebPage3"), QStringLiteral("WebPage5")};
     QCOMPARE(IndexGenerator::generateIndex(full, QStringLiteral("WebPage")), 4);
 }
 
