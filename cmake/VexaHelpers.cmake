@@ -118,23 +118,34 @@ function(vexa_add_module target)
             COMPONENT ${runtime_component})
 endfunction()
 
-# vexa_add_qt_test(<source> [LIBS ...] [DEFINITIONS ...])
+# vexa_add_qt_test(<source> [THREADS] [LIBS ...] [DEFINITIONS ...])
 #
 # One Qt Test executable per source file, registered with CTest under the folder it
 # lives in (for example "platform/runtime/tst_zqruntime") and run on the offscreen platform.
+# THREADS also labels it "threads": it drives real runtime or frame threads, so CI runs it under
+# the thread sanitizer too (scripts/test.sh tsan threads).
 function(vexa_add_qt_test source)
-    cmake_parse_arguments(ARG "" "" "LIBS;DEFINITIONS" ${ARGN})
+    cmake_parse_arguments(ARG "THREADS" "" "LIBS;DEFINITIONS" ${ARGN})
     get_filename_component(name "${source}" NAME_WE)
     file(RELATIVE_PATH area "${PROJECT_SOURCE_DIR}/tests" "${CMAKE_CURRENT_SOURCE_DIR}")
     add_executable(${name} "${source}")
-    target_link_libraries(${name} PRIVATE Qt5::Test ${ARG_LIBS})
+    # Qt Widgets and Boost for every test, so that each one compiles with the macros the shared
+    # precompiled header was built with.
+    target_link_libraries(${name} PRIVATE Qt5::Test Qt5::Widgets Boost::headers ${ARG_LIBS})
     target_compile_definitions(${name} PRIVATE ${ARG_DEFINITIONS})
     vexa_set_warnings(${name})
+    if(TARGET vexa_test_pch)
+        target_precompile_headers(${name} REUSE_FROM vexa_test_pch)
+    endif()
+    set(labels "${area}")
+    if(ARG_THREADS)
+        list(APPEND labels threads)
+    endif()
     add_test(NAME "${area}/${name}" COMMAND ${name})
     set_tests_properties("${area}/${name}" PROPERTIES
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen"
         TIMEOUT 300
-        LABELS "${area}")
+        LABELS "${labels}")
 endfunction()
 
 # Installs the export sets and the package configuration. The library, the reference platform

@@ -1,0 +1,1 @@
+// The one source of the target that compiles tests/precompiled.h for the test executables.
