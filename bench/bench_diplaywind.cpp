@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The preview surface on the frame path: taking a frame must cost little more than copying its
 // bytes, and must not allocate once the frame size is known; painting is the GUI thread's share.
 //

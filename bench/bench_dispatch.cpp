@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One manager request from the GUI thread to the runtime thread and back. runOnRuntime adds a
 // gate check, a thread check and a packaged task to the bare hand-off of a task to a worker
 // thread, so its round trip must stay within 10% of that hand-off; Qt's blocking queued

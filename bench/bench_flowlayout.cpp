@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Relayout of a tile area: the flow layout must place N tiles in time linear in N, so the
 // time per tile at 10,000 tiles stays close to that at 100.
 

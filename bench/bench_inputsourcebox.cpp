@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A category box with hundreds to thousands of tiles. Adding tiles, the once-a-second running
 // time update and the frame hand-over must cost the same per tile whatever the number of tiles,
 // so the time per tile at 1,000 and 4,000 tiles is compared with that at 100. The heap each tile

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The NDI discovery dialog filled with 50, 500 and 2,000 senders. On a large network the
 // manager's list holds thousands of senders, and each list it sends rebuilds every row: the
 // time per row at 500 and 2,000 senders is compared with that at 50.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Build helpers shared by every target of the project.
 
 # The project's own code builds with these warnings (CI turns them into errors) and Qt's

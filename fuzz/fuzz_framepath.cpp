@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The bytes become preview frames of any geometry, honest or lying, handed to a box's
 // updateFrame() from several threads at once for random ids, while the manager adds and
 // removes sources on its runtime thread and the GUI thread makes and destroys their tiles.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The bytes are a language file: the translator loads them from disk as a host would, and
 // then every key of the shipped language files is looked up in every way the library and a host
 // do. Whatever the bytes, loading returns, and when it accepts them the lookups return too.

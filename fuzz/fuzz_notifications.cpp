@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The bytes become a sequence of the manager's notifications — sources added (with repeated
 // ids, of other kinds, without a media description, null), deleted, cleared, renamed, online
 // states, online times, previews, resolutions — fired on the runtime thread as a real manager

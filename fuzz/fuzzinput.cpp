@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzzinput.h"
 
 namespace vexa::fuzz {

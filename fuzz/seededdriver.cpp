@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The seeded random driver: a main() for the fuzz harnesses when they are built without
 // libFuzzer (gcc, the normal presets). It runs every file of the corpus given on the command
 // line, then inputs made from a fixed seed (random bytes, and mutations and splices of the

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Builds the release preset and runs every benchmark program on the offscreen platform. Each
 # program prints Google Benchmark's table and then its ratio lines: a time against a baseline
 # measured in the same run, with the target it is held to. The ratio lines of all programs are

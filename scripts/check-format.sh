@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Fails when a C++ source of the project differs from what clang-format makes of it with the
 # repository's .clang-format. Prints the files to fix; `--fix` rewrites them in place.
 set -euo pipefail

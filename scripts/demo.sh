@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs what is missing, builds the demo host and runs it.
 #   scripts/demo.sh                       opens the demo window on the current display
 #   scripts/demo.sh --screenshot out.png  renders the window for a few seconds, saves it, quits

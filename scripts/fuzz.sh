@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Builds the fuzz harnesses with clang and libFuzzer (address and undefined-behaviour
 # sanitizers, coverage of the project's own libraries) in build/fuzz and runs each for a while,
 # starting from the seed corpus. New inputs that reach new code are kept in

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Writes themes/loading.gif: the loading animation the tiles show until the first frame.
 
 A ring track with a bright arc that fades towards its tail and turns once a second, drawn on the

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs the Debian packages the build, the tests and the demo need, and only
 # those that are missing. The CJK font lets the Chinese texts of the panel render on a machine
 # that has no desktop installed. Safe to run again: with everything present it does nothing.

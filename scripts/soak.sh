@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Runs the churn soak test of the box (tests/libs/vexainputsourcewidget/tst_inputsourceboxsoak)
 # for a long time under the address and undefined-behaviour sanitizers, then under the thread
 # sanitizer: a thousand tiles over four boxes, eight frame threads, sources added and deleted

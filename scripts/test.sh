@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs what is missing, builds the project and runs every test, the formatting check
 # among them.
 #   scripts/test.sh            the dev build (debug)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/testing/modalanswerer.h>
 
 #include <QAbstractButton>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/testing/runtimeblocker.h>
 
 #include <QDebug>

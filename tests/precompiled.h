@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What nearly every test parses: Qt Test, Qt Widgets, the signals library under the manager
 // contract and the standard headers of threaded code. Compiled once per build and reused by
 // every test executable, it saves about 40 % of each test's compile time. A test still includes

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/eventloop.h"
 
 #include <QCoreApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/ratiocheck.h"
 
 #include <utility>

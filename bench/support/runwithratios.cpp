@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/runwithratios.h"
 
 #include "support/ratioreporter.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/ratioreporter.h"
 
 #include <QTest>

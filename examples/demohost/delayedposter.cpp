@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "delayedposter.h"
 
 #include <quandel/runtime/izqruntime.h>

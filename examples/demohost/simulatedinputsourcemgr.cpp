@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulatedinputsourcemgr.h"
 
 #include "delayedposter.h"

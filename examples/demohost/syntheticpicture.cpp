@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "syntheticpicture.h"
 
 #include <zq/mediacore/rgbaframe.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Run by CTest as a script: install by components, check the split, relocate, build the
 # consumer against the package, run it.
 foreach(var BUILD_DIR CONSUMER_SOURCE_DIR WORK_DIR GENERATOR CXX_COMPILER)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Run by CTest as a script: the code block that follows the line "<!-- example: embedpanel.cpp -->"
 # in DOC must be the file SOURCE, character for character.
 file(READ "${DOC}" doc)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Run by CTest as a script: builds and installs a host's own platform modules (hostmodules/),
 # builds the library against them with VEXA_HOST_PLATFORM_MODULES, installs it, checks that no
 # reference module came along, then builds and runs a host (hostconsumer/) against both.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/testing/runtimeblocker.h>
 #include <vexainputsourcewidget/testing/waituntil.h>
 #include <vexainputsourcewidget/testing/warningrecorder.h>

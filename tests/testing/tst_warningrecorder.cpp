@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/testing/warningrecorder.h>
 
 #include <QLoggingCategory>

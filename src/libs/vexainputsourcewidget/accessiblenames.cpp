@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "accessiblenames.h"
 
 #include "trkey.h"

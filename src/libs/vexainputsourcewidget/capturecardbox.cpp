@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/capturecardbox.h>
 
 #include "logcategory.h"

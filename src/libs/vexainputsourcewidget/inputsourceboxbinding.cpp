@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "inputsourcebox_p.h"
 
 #include "managerrelay.h"

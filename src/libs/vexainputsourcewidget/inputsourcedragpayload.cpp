@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/inputsourcedragpayload.h>
 
 #include <zq/mediacore/imeta.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/inputsourceitem.h>
 
 #include "diplaywind.h"

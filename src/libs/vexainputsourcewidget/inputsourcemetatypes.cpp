@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/inputsourcemetatypes.h>
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>
 
 InputSourceTranslateManager& InputSourceTranslateManager::instance()

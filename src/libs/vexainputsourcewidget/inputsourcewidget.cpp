@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/inputsourcewidget.h>
 
 #include "logcategory.h"

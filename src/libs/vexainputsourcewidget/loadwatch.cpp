@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "loadwatch.h"
 
 #include <zqctuils/floatcomparison.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "logcategory.h"
 
 namespace vexa::inputsource {

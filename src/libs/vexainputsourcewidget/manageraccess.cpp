@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "manageraccess.h"
 
 namespace vexa::inputsource {

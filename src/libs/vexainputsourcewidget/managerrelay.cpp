@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "managerrelay.h"
 
 #include <vexainputsourcewidget/inputsourcemetatypes.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "namenotice.h"
 
 #include "manageraccess.h"

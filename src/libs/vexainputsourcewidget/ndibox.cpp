@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/ndibox.h>
 
 #include <vexainputsourcewidget/inputsourcemetatypes.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ndidialog.h"
 
 #include "manageraccess.h"

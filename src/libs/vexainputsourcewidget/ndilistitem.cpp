@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ndilistitem.h"
 
 #include "modalloop.h"

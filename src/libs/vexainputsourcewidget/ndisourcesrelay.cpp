@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ndisourcesrelay.h"
 
 #include <vexainputsourcewidget/inputsourcemetatypes.h>

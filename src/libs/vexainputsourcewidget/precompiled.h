@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Qt Widgets and signals headers nearly every source of the library parses, compiled once
 // per build. Sources still include what they use; this header only makes that cheap.
 #pragma once

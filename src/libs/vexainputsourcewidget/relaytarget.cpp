@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "relaytarget.h"
 
 namespace vexa::inputsource {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/streamingbox.h>
 
 #include "logcategory.h"

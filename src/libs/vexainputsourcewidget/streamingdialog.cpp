@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/streamingdialog.h>
 
 #include "accessiblenames.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "systemmonitor.h"
 
 #include <QProcess>

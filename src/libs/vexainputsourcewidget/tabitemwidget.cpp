@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tabitemwidget.h"
 
 #include "accessiblenames.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "trkey.h"
 
 #include <vexainputsourcewidget/inputsourcetranslatemanager.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/webdialog.h>
 
 #include "accessiblenames.h"

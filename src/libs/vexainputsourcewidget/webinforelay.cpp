@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "webinforelay.h"
 
 #include "loadwatch.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexa/layout/floatingitemwidget.h>
 
 #include <QDockWidget>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <zq/mediacore/iframe.h>
 
 namespace zq::mediacore {

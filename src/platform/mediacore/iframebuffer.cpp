@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <zq/mediacore/iframebuffer.h>
 
 namespace zq::mediacore {

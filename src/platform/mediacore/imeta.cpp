@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <zq/mediacore/imeta.h>
 
 namespace zq::mediacore {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <zq/mediacore/rgbaframe.h>
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <quandel/msgcenter/imsgcentermgr.h>
 
 namespace quandel::msgcenter {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <quandel/msgcenter/msgcentermgr.h>
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <quandel/resource/iresource.h>
 
 namespace quandel::resource {

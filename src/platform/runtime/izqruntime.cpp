@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <quandel/runtime/izqruntime.h>
 
 namespace quandel {

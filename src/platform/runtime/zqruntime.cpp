@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <quandel/runtime/zqruntime.h>
 
 #include <vexa/diagnostics/warning.h>

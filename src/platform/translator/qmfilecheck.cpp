@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "qmfilecheck.h"
 
 #include <algorithm>

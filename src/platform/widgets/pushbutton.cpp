@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexa/widgets/pushbutton.h>
 
 #include "restyle.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexa/widgets/tipdialog.h>
 
 #include <vexa/widgets/pushbutton.h>

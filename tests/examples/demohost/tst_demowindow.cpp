@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "demowindow.h"
 #include "diplaywind.h"
 #include "simulatedinputsourcemgr.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulatedinputsourcemgr.h"
 
 #include <vexainputsourcewidget/testing/runtimeblocker.h>

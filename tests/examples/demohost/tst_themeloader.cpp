@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "themeloader.h"
 
 #include <vexainputsourcewidget/inputsourcebox.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "boundbox.h"
 
 #include <vexainputsourcewidget/capturecardbox.h>

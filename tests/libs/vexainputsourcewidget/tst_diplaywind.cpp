@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "diplaywind.h"
 #include "queuedhandoff.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/iinputsourcemgr.h>
 #include <vexainputsourcewidget/testing/fakeinputsourcemgr.h>
 

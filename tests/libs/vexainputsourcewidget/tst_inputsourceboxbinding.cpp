@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "boundbox.h"
 #include "languagefiles.h"
 #include "trkey.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/inputsourcebox.h>
 #include <vexainputsourcewidget/testing/fakeinputsourcemgr.h>
 #include <vexainputsourcewidget/testing/framefactory.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "diplaywind.h"
 #include "inputsourcetooltip.h"
 #include "languagefiles.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "inputsourcetooltip.h"
 
 #include <QtTest>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "languagefiles.h"
 #include "trkey.h"
 

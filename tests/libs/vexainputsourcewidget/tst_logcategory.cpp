@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "logcategory.h"
 
 #include <vexainputsourcewidget/inputsourcewidget.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "manageraccess.h"
 
 #include <vexainputsourcewidget/testing/fakeinputsourcemgr.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "modalloop.h"
 
 #include <QDialog>

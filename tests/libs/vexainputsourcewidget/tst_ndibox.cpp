@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "boundbox.h"
 #include "ndirows.h"
 #include "trkey.h"

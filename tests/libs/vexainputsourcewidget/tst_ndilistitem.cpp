@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ndirows.h"
 #include "trkey.h"
 

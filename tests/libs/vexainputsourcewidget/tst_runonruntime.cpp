@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "runonruntime.h"
 
 #include <vexainputsourcewidget/inputsourcemetatypes.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexainputsourcewidget/stinputsource.h>
 #include <vexainputsourcewidget/stresourcerenamedmodel.h>
 #include <vexainputsourcewidget/stweboperation.h>

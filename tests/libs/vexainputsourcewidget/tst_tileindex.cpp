@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tileindex.h"
 #include <vexainputsourcewidget/inputsourceitem.h>
 

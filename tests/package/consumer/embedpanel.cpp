@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host application embedding the input sources panel: a main window whose side holds the panel
 // in a dock, a manager of sources, a runtime thread and a thread that feeds preview frames.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host in miniature: links only the library's package target and touches every platform
 // module through it, so a module whose headers, library or link interface went missing from
 // the installed package fails to build or to run here.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host's integration test in miniature: the test helpers of the package's testing component.
 #include <vexainputsourcewidget/testing/fakeinputsourcemgr.h>
 #include <vexainputsourcewidget/testing/framefactory.h>

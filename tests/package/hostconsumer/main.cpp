@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs the panel on the host's own runtime, which the library was built against and which its
 // package configuration found by target name.
 #include <vexainputsourcewidget/iinputsourcemgr.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <captureprobe/wgcsupport.h>
 
 #include <QTest>

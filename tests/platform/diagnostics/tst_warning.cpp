@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexa/diagnostics/warning.h>
 #include <vexainputsourcewidget/testing/warningrecorder.h>
 

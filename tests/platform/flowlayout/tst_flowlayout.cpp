@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <XJ/Utils/flowlayout.h>
 
 #include <QPointer>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <zq/mediacore/thumbnail.h>
 
 #include <QtTest>

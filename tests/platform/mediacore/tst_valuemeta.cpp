@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <zq/mediacore/valuemeta.h>
 
 #include <vexainputsourcewidget/testing/runtogether.h>

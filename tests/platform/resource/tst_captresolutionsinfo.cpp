@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <quandel/captresolutionsinfo.h>
 
 #include <QtTest>

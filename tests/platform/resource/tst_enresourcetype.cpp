@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <quandel/resource/enresourcetype.h>
 
 #include <QtTest>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <quandel/resource/valueresource.h>
 #include <zq/mediacore/valuemeta.h>
 

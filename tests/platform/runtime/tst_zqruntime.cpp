@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <quandel/runtime/zqruntime.h>
 #include <vexainputsourcewidget/testing/runtimeblocker.h>
 #include <vexainputsourcewidget/testing/waituntil.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <sigslot/signal.h>
 
 #include <QtTest>

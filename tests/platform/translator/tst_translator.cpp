@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <quandel/trans/translator.h>
 
 #include <vexainputsourcewidget/testing/warningrecorder.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <zqctuils/floatcomparison.h>
 
 #include <QTest>

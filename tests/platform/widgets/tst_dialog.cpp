@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <vexa/widgets/dialog.h>
 #include <vexa/widgets/pushbutton.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <vexainputsourcewidget/testing/vexainputsourcewidget_testing_export.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <standin/runtime.h>
 
 #include <atomic>

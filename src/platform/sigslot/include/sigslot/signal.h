@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 // The signal and slot interface the host's manager uses for its notifications,

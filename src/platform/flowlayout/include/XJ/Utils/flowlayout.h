@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <XJ/Utils/xj_flowlayout_export.h>

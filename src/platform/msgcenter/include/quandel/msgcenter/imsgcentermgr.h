@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <quandel/msgcenter/quandel_msgcenter_export.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <quandel/runtime/quandel_runtime_export.h>
