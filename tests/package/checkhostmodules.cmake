@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Run by CTest as a script: builds and installs a host's own platform modules (hostmodules/),
+# Run by CTest as a script, building with two jobs as the rest of CI does: builds and installs a host's own platform modules (hostmodules/),
 # builds the library against them with VEXA_HOST_PLATFORM_MODULES, installs it, checks that no
 # reference module came along, then builds and runs a host (hostconsumer/) against both.
 foreach(var SOURCE_DIR WORK_DIR GENERATOR CXX_COMPILER)
@@ -31,7 +31,7 @@ set(common_options -G "${GENERATOR}"
 run_step("host modules configure" "${CMAKE_COMMAND}"
     -S "${SOURCE_DIR}/tests/package/hostmodules" -B "${WORK_DIR}/host-build" ${common_options}
     "-DVEXA_SOURCE_DIR=${SOURCE_DIR}")
-run_step("host modules build" "${CMAKE_COMMAND}" --build "${WORK_DIR}/host-build")
+run_step("host modules build" "${CMAKE_COMMAND}" --build "${WORK_DIR}/host-build" -j 2)
 run_step("host modules install" "${CMAKE_COMMAND}" --install "${WORK_DIR}/host-build"
     --prefix "${host_prefix}")
 
@@ -42,7 +42,7 @@ run_step("library configure" "${CMAKE_COMMAND}"
     -DVEXA_BUILD_TESTING_LIBRARY=OFF
     -DVEXA_WERROR=ON
     "-DCMAKE_PREFIX_PATH=${host_prefix}")
-run_step("library build" "${CMAKE_COMMAND}" --build "${WORK_DIR}/library-build")
+run_step("library build" "${CMAKE_COMMAND}" --build "${WORK_DIR}/library-build" -j 2)
 run_step("library install" "${CMAKE_COMMAND}" --install "${WORK_DIR}/library-build"
     --prefix "${vexa_prefix}")
 
@@ -56,7 +56,7 @@ endforeach()
 run_step("host configure" "${CMAKE_COMMAND}"
     -S "${SOURCE_DIR}/tests/package/hostconsumer" -B "${WORK_DIR}/consumer-build" ${common_options}
     "-DCMAKE_PREFIX_PATH=${vexa_prefix};${host_prefix}")
-run_step("host build" "${CMAKE_COMMAND}" --build "${WORK_DIR}/consumer-build")
+run_step("host build" "${CMAKE_COMMAND}" --build "${WORK_DIR}/consumer-build" -j 2)
 run_step("host run" "${CMAKE_COMMAND}" -E env
     "LD_LIBRARY_PATH=${vexa_prefix}/lib:${host_prefix}/lib"
     "${WORK_DIR}/consumer-build/hostconsumer")
