@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: MIT
-# Run by CTest as a script, building with two jobs as the rest of CI does: builds and installs a host's own platform modules (hostmodules/),
+# Run by CTest as a script: builds and installs a host's own platform modules (hostmodules/),
 # builds the library against them with VEXA_HOST_PLATFORM_MODULES, installs it, checks that no
-# reference module came along, then builds and runs a host (hostconsumer/) against both.
+# reference module came along, then builds and runs a host (hostconsumer/) against both. Each
+# build uses two jobs, as the rest of CI does.
 foreach(var SOURCE_DIR WORK_DIR GENERATOR CXX_COMPILER)
     if(NOT DEFINED ${var})
         message(FATAL_ERROR "checkhostmodules.cmake needs -D${var}=...")
