@@ -54,9 +54,11 @@ foreach(file IN LISTS installed)
     endif()
 endforeach()
 
-run_step("host configure" "${CMAKE_COMMAND}"
-    -S "${SOURCE_DIR}/tests/package/hostconsumer" -B "${WORK_DIR}/consumer-build" ${common_options}
-    "-DCMAKE_PREFIX_PATH=${vexa_prefix};${host_prefix}")
+# Both prefixes, through the environment: a ";" list would be split into two arguments here.
+run_step("host configure" "${CMAKE_COMMAND}" -E env
+    "CMAKE_PREFIX_PATH=${vexa_prefix}:${host_prefix}"
+    "${CMAKE_COMMAND}"
+    -S "${SOURCE_DIR}/tests/package/hostconsumer" -B "${WORK_DIR}/consumer-build" ${common_options})
 run_step("host build" "${CMAKE_COMMAND}" --build "${WORK_DIR}/consumer-build" -j 2)
 run_step("host run" "${CMAKE_COMMAND}" -E env
     "LD_LIBRARY_PATH=${vexa_prefix}/lib:${host_prefix}/lib"
