@@ -423,7 +423,8 @@ void TestMsgCenterMgr::postsFromAnotherThreadArriveQueuedOnTheMainThread()
     bool allOnMainThread = true;
     connect(&centre, &MsgCenterMgr::messagePosted, &receiver, [&](quint64 id) {
         received.append(id);
-        allOnMainThread = allOnMainThread && QThread::currentThread() == qApp->thread();
+        allOnMainThread =
+            allOnMainThread && QThread::currentThread() == QCoreApplication::instance()->thread();
     });
 
     std::thread poster([&centre] {
